@@ -74,8 +74,7 @@ void ZuviHTTPTransport::send(const ZuviURLRequest &request, Handler handler)
         Qt::QueuedConnection);
 }
 
-void ZuviHTTPTransport::sendOnNetworkThread(const ZuviURLRequest &request,
-                                            const Handler &handler)
+void ZuviHTTPTransport::sendOnNetworkThread(const ZuviURLRequest &request, const Handler &handler)
 {
     const QNetworkRequest networkRequest = networkRequestFrom(request);
     QNetworkReply *reply = nullptr;
