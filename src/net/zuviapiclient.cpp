@@ -28,8 +28,9 @@ namespace {
 const char *const kAcceptLanguage = "zh-CN,zh;q=0.9,en;q=0.8";
 
 // The login cookies first, then the device identity cookies, whatever else was merged in.
-const char *const kCookieHeadOrder[] = {"DedeUserID", "DedeUserID__ckMd5", "SESSDATA", "zuvi_jct",
-                                        "buvid3",     "buvid4",            "buvid_fp", "b_nut"};
+const char *const kCookieHeadOrder[] = {
+    "DedeUserID", "DedeUserID__ckMd5", "SESSDATA", "zuvi_jct", "buvid3",
+    "buvid4",     "buvid_fp",          "b_nut"};
 const char *const kLoginCookieNames[] = {"DedeUserID", "DedeUserID__ckMd5", "SESSDATA", "zuvi_jct"};
 
 // The leading decimal number of a text, as a number's "doubleValue" reads
@@ -44,8 +45,8 @@ double leadingDouble(const QString &text)
 ZuviAPIClient::ZuviAPIClient(ZuviDefaults *defaults, ZuviDebugLog *log,
                              ZuviNotificationCenter *center, const ZuviEndpoints &endpoints,
                              QObject *parent)
-    : QObject(parent), m_defaults(defaults), m_log(log), m_center(center),
-      m_endpoints(endpoints), m_networkQueue(std::make_unique<ZuviWorkQueue>(3, "zuvi.net")),
+    : QObject(parent), m_defaults(defaults), m_log(log), m_center(center), m_endpoints(endpoints),
+      m_networkQueue(std::make_unique<ZuviWorkQueue>(3, "zuvi.net")),
       m_transport(std::make_unique<ZuviHTTPTransport>())
 {
 }
@@ -116,10 +117,10 @@ ZuviURLRequest ZuviAPIClient::POSTRequestWithURLString(const QString &urlString,
 void ZuviAPIClient::send(const ZuviURLRequest &request, ResponseHandler handler)
 {
     ZuviWorkQueue *queue = m_networkQueue.get();
-    m_transport->send(request, [queue, handler](const ZuviHTTPResponse &response,
-                                                const ZuviError &error) {
-        queue->run([handler, response, error] { handler(response, error); });
-    });
+    m_transport->send(request,
+                      [queue, handler](const ZuviHTTPResponse &response, const ZuviError &error) {
+                          queue->run([handler, response, error] { handler(response, error); });
+                      });
 }
 
 QString ZuviAPIClient::videoRefererForBVID(const QString &bvid) const
@@ -156,8 +157,9 @@ QString ZuviAPIClient::urlEscapedString(const QString &text)
 {
     if (text.isEmpty())
         return QString();
-    // Reserved characters and "%" are legal in a URL and stay untouched.
-    return QString::fromLatin1(QUrl::toPercentEncoding(text, "!#$&'()*+,/:;=?@[]%"));
+    // Reserved characters are legal in a URL and stay untouched; a lone "%"
+    // is escaped so that the text reads back as it was written.
+    return QString::fromLatin1(QUrl::toPercentEncoding(text, "!#$&'()*+,/:;=?@[]"));
 }
 
 // --- Cookies and the stored credential
@@ -236,8 +238,8 @@ qint64 ZuviAPIClient::currentMIDFromCredentialCookie() const
     return ok ? mid : 0;
 }
 
-std::optional<QString> ZuviAPIClient::credentialCookieFromHTTPResponse(
-    const ZuviHTTPResponse &response)
+std::optional<QString>
+ZuviAPIClient::credentialCookieFromHTTPResponse(const ZuviHTTPResponse &response)
 {
     if (!response.isHTTP)
         return std::nullopt;
@@ -375,8 +377,7 @@ void ZuviAPIClient::finishWithUserProfile(const std::optional<ZuviUserProfile> &
 }
 
 void ZuviAPIClient::finishWithLoginURL(const QString &loginURL, const QString &qrcodeKey,
-                                       const ZuviError &error,
-                                       const LoginURLCompletion &completion)
+                                       const ZuviError &error, const LoginURLCompletion &completion)
 {
     deliver(QStringLiteral("登录二维码接口"), error, completion, loginURL, qrcodeKey, error);
 }
@@ -394,8 +395,7 @@ void ZuviAPIClient::finishWithDetail(const std::optional<ZuviVideoDetail> &detai
     deliver(QStringLiteral("视频详情接口"), error, completion, detail, error);
 }
 
-void ZuviAPIClient::finishWithPlayURL(const QString &urlString, int quality,
-                                      const ZuviError &error,
+void ZuviAPIClient::finishWithPlayURL(const QString &urlString, int quality, const ZuviError &error,
                                       const PlayURLCompletion &completion)
 {
     deliver(QStringLiteral("播放地址接口"), error, completion, urlString, quality, error);
@@ -408,8 +408,7 @@ void ZuviAPIClient::finishWithDanmaku(const QList<ZuviDanmakuItem> &items, const
 }
 
 void ZuviAPIClient::finishWithComments(const QList<ZuviCommentItem> &comments,
-                                       const ZuviError &error,
-                                       const CommentsCompletion &completion)
+                                       const ZuviError &error, const CommentsCompletion &completion)
 {
     deliver(QStringLiteral("评论接口"), error, completion, comments, error);
 }
@@ -432,12 +431,11 @@ void ZuviAPIClient::recordAPIRequestErrorWithCategory(const QString &category,
     if (error.isNull() || !developerModeEnabled())
         return;
     const QString description = error.localizedDescription();
-    const QString text = QStringLiteral("%1\ndomain=%2\ncode=%3\nmessage=%4")
-                             .arg(category.isEmpty() ? QStringLiteral("接口请求") : category,
-                                  error.domain)
-                             .arg(error.code)
-                             .arg(description.isEmpty() ? QStringLiteral("未知请求错误")
-                                                        : description);
+    const QString text =
+        QStringLiteral("%1\ndomain=%2\ncode=%3\nmessage=%4")
+            .arg(category.isEmpty() ? QStringLiteral("接口请求") : category, error.domain)
+            .arg(error.code)
+            .arg(description.isEmpty() ? QStringLiteral("未知请求错误") : description);
     m_log->appendText(text, QStringLiteral("请求错误"));
     m_center->postOnMainQueue(kRequestErrorLogUpdatedNotification, this);
 }

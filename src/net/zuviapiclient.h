@@ -40,8 +40,9 @@ public:
     using VideosCompletion = std::function<void(const QList<ZuviVideoItem> &, const ZuviError &)>;
     using FollowingRowsCompletion =
         std::function<void(const QList<ZuviFollowingRow> &, const ZuviError &)>;
-    using FollowingPageCompletion = std::function<void(
-        const QList<ZuviFollowingRow> &, bool hasMore, const QString &nextOffset, const ZuviError &)>;
+    using FollowingPageCompletion =
+        std::function<void(const QList<ZuviFollowingRow> &, bool hasMore, const QString &nextOffset,
+                           const ZuviError &)>;
     using UserProfileCompletion =
         std::function<void(const std::optional<ZuviUserProfile> &, const ZuviError &)>;
     using LoginURLCompletion =
@@ -114,7 +115,8 @@ public:
     qint64 currentMIDFromCredentialCookie() const;
     // nullopt when the response is not HTTP or carries no cookie at all; an
     // empty string when cookies came but none of the login ones.
-    static std::optional<QString> credentialCookieFromHTTPResponse(const ZuviHTTPResponse &response);
+    static std::optional<QString>
+    credentialCookieFromHTTPResponse(const ZuviHTTPResponse &response);
 
     // --- JSON, errors and small texts
     static std::optional<QJsonObject> jsonRootDictionaryFromData(const QByteArray &data,
