@@ -1,5 +1,5 @@
 #include "model/zuvidanmakuxmlparser.h"
-#include "support/zuvidanmakudocumentgenerator.h"
+#include "zuvidanmakudocumentgenerator.h"
 
 #include <QTest>
 
