@@ -3,8 +3,8 @@
 #include "net/zuvihttptransport.h"
 #include "platform/zuvinotificationcenter.h"
 #include "platform/zuvivirtualscheduler.h"
-#include "support/zuvitesthttpserver.h"
-#include "support/zuvitestsupport.h"
+#include "zuvitesthttpserver.h"
+#include "zuvitestsupport.h"
 
 #include <QJsonDocument>
 #include <QtTest>
