@@ -222,9 +222,9 @@ void ZuviImageLoader::clearAllCaches()
 
 void ZuviImageLoader::didReceiveMemoryWarning()
 {
-    // The URL cache keeps its answers on disk and holds no memory worth
-    // releasing; the decoded images are what a memory warning is about.
-    clearMemoryCache();
+    // Everything the loader keeps goes: the decoded images and the stored
+    // answers, which are fetched again on the next load.
+    clearAllCaches();
 }
 
 int ZuviImageLoader::memoryCacheCount() const

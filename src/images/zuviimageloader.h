@@ -66,7 +66,7 @@ public:
     void clearURLCache();
     // The settings screen's clear-cache action: both caches.
     void clearAllCaches();
-    // What the application does on a memory warning: drop the decoded images.
+    // The application's memory-warning entry point: empties both caches too.
     void didReceiveMemoryWarning();
     // Number of decoded images held, and whether a key is held (for tests and the settings screen).
     int memoryCacheCount() const;
