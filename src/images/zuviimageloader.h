@@ -4,6 +4,7 @@
 #include "platform/zuviendpoints.h"
 #include "platform/zuvierror.h"
 
+#include <QAtomicInt>
 #include <QCache>
 #include <QImage>
 #include <QMutex>
@@ -120,6 +121,7 @@ private:
     int m_activeTransfers = 0;
     std::deque<PendingTransfer> m_waitingTransfers;
 
+    QAtomicInt m_closing;
     std::unique_ptr<ZuviWorkQueue> m_imageQueue;
     std::unique_ptr<ZuviHTTPTransport> m_transport;
 };

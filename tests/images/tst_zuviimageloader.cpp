@@ -59,6 +59,7 @@ private slots:
     void urlCacheAnswersRepeatedLoad_data();
     void urlCacheAnswersRepeatedLoad();
     void transportCachesOnlyRequestsThatAllowIt();
+    void destroyedWithLoadsInFlight();
 
 private:
     Delivery *load(const QVariant &url, bool lowQuality = false);
@@ -405,6 +406,24 @@ void TestZuviImageLoader::transportCachesOnlyRequestsThatAllowIt()
     transport.clearCache();
     sendTwice("/picture", true);
     QCOMPARE(m_server->requestCount("/picture"), 2);
+}
+
+void TestZuviImageLoader::destroyedWithLoadsInFlight()
+{
+    // Thumbnails fail slowly, so fallbacks are due just as the loader goes.
+    m_server->setFallbackHandler([](const ZuviRecordedRequest &) {
+        ZuviScriptedAnswer answer = ZuviScriptedAnswer::text("<h1>404</h1>", "text/html", 404);
+        answer.delayMs = 30;
+        return answer;
+    });
+    for (int i = 0; i < 6; ++i)
+        load(url(QStringLiteral("/gone%1.png").arg(i)));
+    QTRY_VERIFY(m_server->requestCount() >= 2);
+    m_loader.reset();
+    const int sent = m_server->requestCount();
+    QCoreApplication::processEvents();
+    QTest::qWait(100); // answers that were on the way arrive and find no loader
+    QCOMPARE(m_server->requestCount(), sent);
 }
 
 QTEST_MAIN(TestZuviImageLoader)
