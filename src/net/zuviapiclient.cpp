@@ -169,8 +169,9 @@ QString ZuviAPIClient::urlEscapedString(const QString &text)
 {
     if (text.isEmpty())
         return QString();
-    // Reserved characters and "%" are legal in a URL and stay untouched.
-    return QString::fromLatin1(QUrl::toPercentEncoding(text, "!#$&'()*+,/:;=?@[]%"));
+    // Reserved characters are legal in a URL and stay untouched; a lone "%"
+    // is escaped so that the text reads back as it was written.
+    return QString::fromLatin1(QUrl::toPercentEncoding(text, "!#$&'()*+,/:;=?@[]"));
 }
 
 // --- Cookies and the stored credential
