@@ -98,7 +98,7 @@ const QStringList &sampleTexts()
         QStringLiteral("good job"),
         QStringLiteral("空降成功"),
         QStringLiteral("弹幕护体"),
-        QStringLiteral("up主辛苦了，每一帧都是壁纸"),
+        QStringLiteral("作者辛苦了，每一帧都是壁纸"),
         QStringLiteral("what a shot, seriously"),
         QStringLiteral("？？？"),
         QStringLiteral("名场面"),
