@@ -1,12 +1,12 @@
 #include "zuvidemoadminclient.h"
 
-#include "net/zuviapiclient.h"
 #include "net/zuvihttptransport.h"
 
 #include <QEventLoop>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QPointer>
+#include <QUrlQuery>
 
 bool ZuviDemoAdminClient::call(const QString &path, const QVariantMap &form, QJsonValue *answer,
                                QString *errorText) const
@@ -16,7 +16,11 @@ bool ZuviDemoAdminClient::call(const QString &path, const QVariantMap &form, QJs
     request.timeoutMs = 10000;
     if (!form.isEmpty()) {
         request.method = "POST";
-        request.body = ZuviAPIClient::formBodyStringWithParameters(form).toUtf8();
+        QUrlQuery body;
+        for (auto it = form.constBegin(); it != form.constEnd(); ++it)
+            body.addQueryItem(it.key(),
+                              QString::fromUtf8(QUrl::toPercentEncoding(it.value().toString())));
+        request.body = body.query(QUrl::FullyEncoded).toUtf8();
         request.setHeader("Content-Type", "application/x-www-form-urlencoded; charset=UTF-8");
     }
     ZuviHTTPTransport transport;
