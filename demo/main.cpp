@@ -11,6 +11,7 @@
 #include <QDir>
 #include <QFile>
 #include <QJsonDocument>
+#include <QLoggingCategory>
 #include <QSaveFile>
 
 #include <cstdio>
@@ -118,6 +119,8 @@ int serve(QCoreApplication &app, const QCommandLineParser &parser)
     if (!ok || options.qrLifetimeSeconds <= 0)
         return failWith(QStringLiteral("--qr-lifetime 必须是正数（秒）"));
 
+    if (parser.isSet("verbose"))
+        QLoggingCategory::setFilterRules(QStringLiteral("zuvi.demo.debug=true"));
     auto *service = new ZuviDemoService(options, ZuviScheduler::sharedScheduler(), &app);
     for (const QString &spec : parser.values("fail")) {
         QString path;
@@ -175,6 +178,7 @@ int main(int argc, char *argv[])
         {"write-endpoints", "把客户端用的端点文件写到这里。", "FILE"},
         {"fail", "故障开关 路径=方式[@次数]，可重复。", "SPEC"},
         {"qr-lifetime", "登录二维码的有效秒数。", "SECONDS", "180"},
+        {"verbose", "每个请求在标准错误输出一行。"},
         {"image", "announce：消息图片地址。", "URL"},
         {"dev", "announce：发布到开发者配置源。"},
         {"key", "confirm：要确认的 qrcode_key（默认最新的）。", "KEY"},

@@ -53,6 +53,10 @@ const QList<QStringList> kRegionTopics = {
     {"猫猫", "狗狗", "野生动物", "萌宠日常", "水族箱"},
 };
 const QStringList kTitlePrefix = {"【4K】", "【合集】", "【新人UP】", "【高能】", "", "", "", ""};
+const QStringList kTitleHooks = {"新手也能看懂", "这次真的不一样", "挑战一百天",   "全程高能",
+                                 "从零开始",     "幕后全记录",     "一镜到底",     "周末特别篇",
+                                 "花了三个月",   "终极对比",       "十分钟讲清楚", "和粉丝一起",
+                                 "年度总结",     "第一视角",       "慢动作回放",   "冷知识合集"};
 const QStringList kTitleSuffix = {"，第一次做这种视频",
                                   "（完整版）",
                                   "！看到最后",
@@ -215,8 +219,8 @@ ZuviDemoVideo ZuviDemoContent::makeVideo(int index)
     video.rid = regions().at(regionIndex).rid;
     video.ownerIndex = random.below(kOwnerCount);
     const QStringList &topics = kRegionTopics.at(regionIndex);
-    video.title = random.pick(kTitlePrefix) + m_owners.at(video.ownerIndex).name.left(2) +
-                  random.pick(topics) + random.pick(kTitleSuffix);
+    video.title = random.pick(kTitlePrefix) + random.pick(topics) + QStringLiteral("：") +
+                  random.pick(kTitleHooks) + random.pick(kTitleSuffix);
     video.desc = QStringLiteral("%1 · %2\n简介：这是演示服务生成的第 %3 个视频。")
                      .arg(regions().at(regionIndex).name, random.pick(topics))
                      .arg(index + 1);
@@ -563,12 +567,17 @@ QByteArray ZuviDemoContent::danmakuDocument(qint64 cid, const QList<ZuviDemoDanm
     xml.reserve(128 + items.size() * 96);
     xml += "<?xml version=\"1.0\" encoding=\"UTF-8\"?><i><cid>" + QByteArray::number(cid) +
            "</cid><count>" + QByteArray::number(items.size()) + "</count>";
+    // Texts repeat a lot in a dense document; each is escaped once.
+    QHash<QString, QByteArray> escaped;
     for (const ZuviDemoDanmaku &item : items) {
+        auto text = escaped.find(item.text);
+        if (text == escaped.end())
+            text = escaped.insert(item.text, item.text.toHtmlEscaped().toUtf8());
         xml += "<d p=\"" + QByteArray::number(item.time, 'f', 3) + ',' +
                QByteArray::number(item.mode) + ',' + QByteArray::number(item.fontSize) + ',' +
                QByteArray::number(item.color) + ',' + QByteArray::number(item.sentAt) + ",0," +
-               item.userHash.toLatin1() + ',' + QByteArray::number(item.id) + "\">" +
-               item.text.toHtmlEscaped().toUtf8() + "</d>";
+               item.userHash.toLatin1() + ',' + QByteArray::number(item.id) + "\">" + *text +
+               "</d>";
     }
     xml += "</i>";
     return xml;
