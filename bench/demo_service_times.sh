@@ -39,6 +39,8 @@ echo "start-up to listening: median $(printf '%s\n' "${startup[@]}" | awk '{prin
 echo "start-up to first list answer: median $(printf '%s\n' "${first[@]}" | awk '{print $1/1000}' | median) ms (20 runs)"
 
 start_service
+rss() { awk '/VmRSS/ {printf "%.1f MB", $2 / 1024}' "/proc/$pid/status"; }
+echo "resident memory after start: $(rss)"
 ms() { awk '{print $1 * 1000}'; }
 bvids=$(curl -s "$base/x/web-interface/popular?pn=1&ps=100" | grep -o '"bvid":"[^"]*"' | cut -d'"' -f4)
 echo "cover thumbnail 320x180, first ask (drawn and encoded): median $(for b in $bvids; do curl -s -o /dev/null -w '%{time_total}\n' "$base/img/cover/$b.jpg@320w_180h_1c_80q.jpg"; done | ms | median) ms (100 covers)"
@@ -51,6 +53,7 @@ for page in 1 2 3; do
     if [ "$n" -gt "$densest" ]; then densest=$n densest_cid=$cid; fi
   done
 done
+echo "resident memory after every list's danmaku document and 100 covers were served: $(rss)"
 echo "densest danmaku document: cid $densest_cid, $densest items, $(curl -s "$base/x/v1/dm/list.so?oid=$densest_cid" | wc -c) bytes"
 echo "  asked again (cached): median $(for _ in $(seq 100); do curl -s -o /dev/null -w '%{time_total}\n' "$base/x/v1/dm/list.so?oid=$densest_cid"; done | ms | median) ms (100 runs)"
 stop_service
