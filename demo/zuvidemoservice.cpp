@@ -174,7 +174,7 @@ void ZuviDemoService::handle(const ZuviDemoRequest &request,
     clock.start();
     const ZuviDemoHttpServer::Responder respond = [request, answer,
                                                    clock](const ZuviDemoResponse &response) {
-        qCDebug(lcDemo).noquote() << request.method << request.path
+        qCDebug(lcDemo).noquote() << request.method << request.path << request.header("Range")
                                   << (response.drop ? 0 : response.status) << response.body.size()
                                   << "bytes" << clock.nsecsElapsed() / 1000 << "µs";
         answer(response);
