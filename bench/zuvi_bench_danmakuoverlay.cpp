@@ -3,8 +3,8 @@
 // (measure and rasterise), the tick right after a seek that fills the
 // screen, and the render-thread time of a frame with a full screen of labels.
 //
-//   QT_QPA_PLATFORM=offscreen build/bin/zuvi_bench_danmaku
-//   xvfb-run -a build/bin/zuvi_bench_danmaku --benchmark_filter=Frame   (GL frames)
+//   QT_QPA_PLATFORM=offscreen build/bin/zuvi_bench_danmakuoverlay
+//   xvfb-run -a build/bin/zuvi_bench_danmakuoverlay --benchmark_filter=Frame   (GL frames)
 #include "danmaku/zuvidanmakuengine.h"
 #include "danmaku/zuvidanmakulabelpainter.h"
 #include "danmaku/zuvidanmakuoverlayview.h"

@@ -2,8 +2,8 @@
 #include "images/zuviimageloader.h"
 #include "images/zuviimageprovider.h"
 #include "platform/zuvinotificationcenter.h"
-#include "support/zuvitesthttpserver.h"
-#include "support/zuvitestsupport.h"
+#include "zuvitesthttpserver.h"
+#include "zuvitestsupport.h"
 
 #include <QBuffer>
 #include <QQmlComponent>
