@@ -8,8 +8,7 @@
 const char *const ZuviDebugLog::kStorageKey = "ZuviDebugLogText";
 const char *const ZuviDebugLog::kDidChangeNotification = "ZuviDebugLogDidChangeNotification";
 
-ZuviDebugLog::ZuviDebugLog(ZuviDefaults *defaults, ZuviNotificationCenter *center,
-                           QObject *parent)
+ZuviDebugLog::ZuviDebugLog(ZuviDefaults *defaults, ZuviNotificationCenter *center, QObject *parent)
     : QObject(parent), m_defaults(defaults), m_center(center),
       m_clock([] { return QDateTime::currentDateTime(); })
 {

@@ -1,8 +1,8 @@
 #pragma once
 
+#include <QDateTime>
 #include <QMutex>
 #include <QObject>
-#include <QDateTime>
 #include <QString>
 
 #include <functional>
@@ -23,8 +23,7 @@ public:
     static const char *const kStorageKey;
     static const char *const kDidChangeNotification;
 
-    ZuviDebugLog(ZuviDefaults *defaults, ZuviNotificationCenter *center,
-                 QObject *parent = nullptr);
+    ZuviDebugLog(ZuviDefaults *defaults, ZuviNotificationCenter *center, QObject *parent = nullptr);
 
     static ZuviDebugLog *sharedLog();
 

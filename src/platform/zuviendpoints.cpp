@@ -14,9 +14,9 @@ struct UrlRole {
 };
 
 const UrlRole kUrlRoles[] = {
-    {"api", &ZuviEndpoints::api},         {"web", &ZuviEndpoints::web},
+    {"api", &ZuviEndpoints::api},           {"web", &ZuviEndpoints::web},
     {"passport", &ZuviEndpoints::passport}, {"comment", &ZuviEndpoints::comment},
-    {"search", &ZuviEndpoints::search},   {"space", &ZuviEndpoints::space},
+    {"search", &ZuviEndpoints::search},     {"space", &ZuviEndpoints::space},
     {"dynamic", &ZuviEndpoints::dynamic},
 };
 
@@ -56,9 +56,8 @@ bool parseSourceUrl(const QString &text, QString *value, QString *problem)
 {
     const QString trimmed = text.trimmed();
     const QUrl parsed(trimmed, QUrl::StrictMode);
-    if (!trimmed.isEmpty() &&
-        (!parsed.isValid() || parsed.host().isEmpty() ||
-         (parsed.scheme() != "http" && parsed.scheme() != "https"))) {
+    if (!trimmed.isEmpty() && (!parsed.isValid() || parsed.host().isEmpty() ||
+                               (parsed.scheme() != "http" && parsed.scheme() != "https"))) {
         *problem = QStringLiteral("不是有效的 http(s) 网址");
         return false;
     }
@@ -103,7 +102,8 @@ bool ZuviEndpoints::loadJson(const QByteArray &json, const QString &sourceName,
         const QString reason = parseError.error != QJsonParseError::NoError
                                    ? parseError.errorString()
                                    : QStringLiteral("顶层不是 JSON 对象");
-        *error = endpointsError(2, QStringLiteral("端点文件 %1 格式错误：%2").arg(sourceName, reason));
+        *error =
+            endpointsError(2, QStringLiteral("端点文件 %1 格式错误：%2").arg(sourceName, reason));
         return false;
     }
     // Work on a copy so that a failure leaves the caller's values untouched.
@@ -160,8 +160,9 @@ void ZuviEndpoints::setShared(const ZuviEndpoints &endpoints)
 
 QString ZuviEndpoints::origin(const QUrl &base)
 {
-    return base.adjusted(QUrl::RemovePath | QUrl::RemoveQuery | QUrl::RemoveFragment |
-                         QUrl::RemoveUserInfo)
+    return base
+        .adjusted(QUrl::RemovePath | QUrl::RemoveQuery | QUrl::RemoveFragment |
+                  QUrl::RemoveUserInfo)
         .toString(QUrl::StripTrailingSlash);
 }
 

@@ -29,8 +29,7 @@ bool takeValue(const QStringList &arguments, int *index, const QString &name, QS
 }
 } // namespace
 
-bool ZuviLaunchOptions::parse(const QStringList &arguments,
-                              const QProcessEnvironment &environment,
+bool ZuviLaunchOptions::parse(const QStringList &arguments, const QProcessEnvironment &environment,
                               ZuviLaunchOptions *options, ZuviError *error)
 {
     ZuviLaunchOptions result;
@@ -49,9 +48,9 @@ bool ZuviLaunchOptions::parse(const QStringList &arguments,
             return false;
         if (matched) {
             if (!ZuviIdiom::fromString(value, &result.idiom)) {
-                *error = ZuviError(kErrorDomain, 2,
-                                   QStringLiteral("--idiom 只能是 pad 或 phone，而不是 \"%1\"")
-                                       .arg(value));
+                *error = ZuviError(
+                    kErrorDomain, 2,
+                    QStringLiteral("--idiom 只能是 pad 或 phone，而不是 \"%1\"").arg(value));
                 return false;
             }
             continue;

@@ -50,22 +50,28 @@ void ZuviNotificationCenter::removeObserver(QObject *observer)
     }
 }
 
-void ZuviNotificationCenter::post(const QString &name, QObject *object,
-                                  const QVariantMap &userInfo)
+void ZuviNotificationCenter::post(const QString &name, QObject *object, const QVariantMap &userInfo)
 {
     ZuviNotification notification{name, object, userInfo};
     if (ZuviMainQueue::isMainThread()) {
         deliver(notification);
         return;
     }
-    ZuviMainQueue::post([this, notification] { deliver(notification); });
+    queueDelivery(notification);
 }
 
 void ZuviNotificationCenter::postOnMainQueue(const QString &name, QObject *object,
                                              const QVariantMap &userInfo)
 {
-    ZuviNotification notification{name, object, userInfo};
-    ZuviMainQueue::post([this, notification] { deliver(notification); });
+    queueDelivery(ZuviNotification{name, object, userInfo});
+}
+
+void ZuviNotificationCenter::queueDelivery(const ZuviNotification &notification)
+{
+    // Queued on the centre itself, which lives on the main thread: a centre
+    // destroyed before the event runs simply drops it.
+    QMetaObject::invokeMethod(
+        this, [this, notification] { deliver(notification); }, Qt::QueuedConnection);
 }
 
 void ZuviNotificationCenter::deliver(const ZuviNotification &notification)

@@ -53,6 +53,7 @@ private:
     };
 
     void deliver(const ZuviNotification &notification);
+    void queueDelivery(const ZuviNotification &notification);
 
     QMutex m_mutex;
     QHash<int, Observation> m_observations;

@@ -30,8 +30,8 @@ void ZuviTimerScheduler::repeat(QObject *owner, const QString &name, double inte
     start(owner, name, interval, true, std::move(task));
 }
 
-void ZuviTimerScheduler::start(QObject *owner, const QString &name, double seconds,
-                               bool repeating, Task task)
+void ZuviTimerScheduler::start(QObject *owner, const QString &name, double seconds, bool repeating,
+                               Task task)
 {
     auto *timer = new QTimer(this);
     timer->setTimerType(Qt::PreciseTimer);

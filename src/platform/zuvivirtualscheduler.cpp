@@ -21,11 +21,11 @@ void ZuviVirtualScheduler::repeat(QObject *owner, const QString &name, double in
     add(owner, name, step, step, std::move(task));
 }
 
-void ZuviVirtualScheduler::add(QObject *owner, const QString &name, double delay,
-                               double interval, Task task)
+void ZuviVirtualScheduler::add(QObject *owner, const QString &name, double delay, double interval,
+                               Task task)
 {
-    m_entries.push_back(Entry{m_nextSequence++, owner, name, m_now + delay, interval,
-                              std::move(task)});
+    m_entries.push_back(
+        Entry{m_nextSequence++, owner, name, m_now + delay, interval, std::move(task)});
     watchOwner(owner);
 }
 

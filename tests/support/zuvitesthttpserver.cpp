@@ -17,12 +17,18 @@ QString handlerKey(const QByteArray &method, const QString &path)
 QByteArray reasonPhrase(int status)
 {
     switch (status) {
-    case 200: return "OK";
-    case 206: return "Partial Content";
-    case 304: return "Not Modified";
-    case 404: return "Not Found";
-    case 500: return "Internal Server Error";
-    default: return "Status";
+    case 200:
+        return "OK";
+    case 206:
+        return "Partial Content";
+    case 304:
+        return "Not Modified";
+    case 404:
+        return "Not Found";
+    case 500:
+        return "Internal Server Error";
+    default:
+        return "Status";
     }
 }
 
@@ -181,8 +187,8 @@ ZuviTestHttpServer::ZuviTestHttpServer()
 ZuviTestHttpServer::~ZuviTestHttpServer()
 {
     if (m_worker) {
-        QMetaObject::invokeMethod(m_worker, [worker = m_worker] { delete worker; },
-                                  Qt::BlockingQueuedConnection);
+        QMetaObject::invokeMethod(
+            m_worker, [worker = m_worker] { delete worker; }, Qt::BlockingQueuedConnection);
     }
     m_thread.quit();
     m_thread.wait();
@@ -194,8 +200,8 @@ bool ZuviTestHttpServer::start()
     m_worker = new ZuviTestHttpServerWorker(this);
     m_worker->moveToThread(&m_thread);
     quint16 port = 0;
-    QMetaObject::invokeMethod(m_worker, [this, &port] { port = m_worker->listen(); },
-                              Qt::BlockingQueuedConnection);
+    QMetaObject::invokeMethod(
+        m_worker, [this, &port] { port = m_worker->listen(); }, Qt::BlockingQueuedConnection);
     m_port = port;
     return port != 0;
 }

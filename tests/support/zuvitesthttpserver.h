@@ -21,7 +21,7 @@ using ZuviHeaderList = QList<QPair<QByteArray, QByteArray>>;
 struct ZuviRecordedRequest {
     QByteArray method;
     QString path;
-    QString query; // the raw query text, without "?"
+    QString query;          // the raw query text, without "?"
     ZuviHeaderList headers; // in the order they arrived
     QByteArray body;
     qint64 arrivalMs = 0; // milliseconds since the server started

@@ -1,0 +1,307 @@
+#include "app/zuvidebuglog.h"
+#include "net/zuviapiclient.h"
+#include "platform/zuvinotificationcenter.h"
+#include "zuvitestsupport.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QTest>
+
+// The client's text helpers: form bodies, escaping, cookies, the stored
+// credential, JSON root checks and display texts.
+class TestZuviAPIClientHelpers : public QObject
+{
+    Q_OBJECT
+private slots:
+    void init();
+    void cleanup();
+    void formBodyIsSortedAndEscaped();
+    void escapingRules_data();
+    void escapingRules();
+    void cookieStringsParse_data();
+    void cookieStringsParse();
+    void cookieDictionaryWritesLoginAndDeviceCookiesFirst();
+    void credentialStoreTrimsAndRemoves();
+    void credentialReadsTokenAndMemberId();
+    void credentialCookieFromSetCookieHeaders_data();
+    void credentialCookieFromSetCookieHeaders();
+    void jsonRootChecks_data();
+    void jsonRootChecks();
+    void shortErrorText_data();
+    void shortErrorText();
+    void stringAndCompactCount_data();
+    void stringAndCompactCount();
+
+private:
+    std::unique_ptr<ZuviScratchDefaults> m_store;
+    std::unique_ptr<ZuviNotificationCenter> m_center;
+    std::unique_ptr<ZuviDebugLog> m_log;
+    std::unique_ptr<ZuviAPIClient> m_client;
+};
+
+void TestZuviAPIClientHelpers::init()
+{
+    m_store = std::make_unique<ZuviScratchDefaults>();
+    m_center = std::make_unique<ZuviNotificationCenter>();
+    m_log = std::make_unique<ZuviDebugLog>(m_store->get(), m_center.get());
+    m_client = std::make_unique<ZuviAPIClient>(m_store->get(), m_log.get(), m_center.get(),
+                                               ZuviEndpoints::defaults());
+}
+
+void TestZuviAPIClientHelpers::cleanup()
+{
+    m_client.reset();
+    m_log.reset();
+    m_center.reset();
+    m_store.reset();
+}
+
+void TestZuviAPIClientHelpers::formBodyIsSortedAndEscaped()
+{
+    QCOMPARE(ZuviAPIClient::formBodyStringWithParameters({{"rnd", 1}, {"aid", 2}, {"Zed", 3}}),
+             QStringLiteral("Zed=3&aid=2&rnd=1"));
+    QCOMPARE(ZuviAPIClient::formBodyStringWithParameters(
+                 {{"message", "a b&c=d/é"}, {"csrf", "t"}, {"aid", 170001}, {"flag", true}}),
+             QStringLiteral("aid=170001&csrf=t&flag=1&message=a%20b%26c%3Dd%2F%C3%A9"));
+    QCOMPARE(ZuviAPIClient::formBodyStringWithParameters({}), QString());
+}
+
+void TestZuviAPIClientHelpers::escapingRules_data()
+{
+    QTest::addColumn<QString>("input");
+    QTest::addColumn<QString>("form");
+    QTest::addColumn<QString>("url");
+    QTest::newRow("empty") << ""
+                           << ""
+                           << "";
+    QTest::newRow("mixed") << "a b&c=d/é"
+                           << "a%20b%26c%3Dd%2F%C3%A9"
+                           << "a%20b&c=d/%C3%A9";
+    // A lone "%" is escaped too, so that a keyword such as "100%" arrives intact.
+    QTest::newRow("reserved") << "!*'();:@&=+$,/?%#[]"
+                              << "%21%2A%27%28%29%3B%3A%40%26%3D%2B%24%2C%2F%3F%25%23%5B%5D"
+                              << "!*'();:@&=+$,/?%25#[]";
+    QTest::newRow("unreserved") << "AZaz09-._~"
+                                << "AZaz09-._~"
+                                << "AZaz09-._~";
+    QTest::newRow("illegal") << "<\"{|}\\^`>"
+                             << "%3C%22%7B%7C%7D%5C%5E%60%3E"
+                             << "%3C%22%7B%7C%7D%5C%5E%60%3E";
+    QTest::newRow("cjk keyword") << "弹幕 BV1xx"
+                                 << "%E5%BC%B9%E5%B9%95%20BV1xx"
+                                 << "%E5%BC%B9%E5%B9%95%20BV1xx";
+}
+
+void TestZuviAPIClientHelpers::escapingRules()
+{
+    QFETCH(QString, input);
+    QFETCH(QString, form);
+    QFETCH(QString, url);
+    QCOMPARE(ZuviAPIClient::formEscapedString(input), form);
+    QCOMPARE(ZuviAPIClient::urlEscapedString(input), url);
+}
+
+void TestZuviAPIClientHelpers::cookieStringsParse_data()
+{
+    QTest::addColumn<QString>("cookie");
+    QTest::addColumn<QVariantMap>("expected");
+    QTest::newRow("stray pieces") << " SESSDATA=x=y ; =bad; novalue=; k=v"
+                                  << QVariantMap{{"SESSDATA", "x=y"}, {"k", "v"}};
+    QTest::newRow("separators only") << ";;; ; =;" << QVariantMap{};
+    QTest::newRow("later wins") << "a=1; b=2; a=3\n" << QVariantMap{{"a", "3"}, {"b", "2"}};
+    QTest::newRow("no equals") << "flag; Path" << QVariantMap{};
+    QTest::newRow("empty") << "" << QVariantMap{};
+}
+
+void TestZuviAPIClientHelpers::cookieStringsParse()
+{
+    QFETCH(QString, cookie);
+    QFETCH(QVariantMap, expected);
+    const ZuviCookieDictionary parsed = ZuviAPIClient::mutableCookieDictionaryFromString(cookie);
+    QVariantMap actual;
+    for (auto it = parsed.begin(); it != parsed.end(); ++it)
+        actual.insert(it.key(), it.value());
+    QCOMPARE(actual, expected);
+}
+
+void TestZuviAPIClientHelpers::cookieDictionaryWritesLoginAndDeviceCookiesFirst()
+{
+    QCOMPARE(ZuviAPIClient::cookieStringFromDictionary(
+                 {{"zz", "1"}, {"SESSDATA", "s"}, {"buvid3", "b"}, {"DedeUserID", ""}}),
+             QStringLiteral("SESSDATA=s; buvid3=b; zz=1"));
+    QCOMPARE(ZuviAPIClient::cookieStringFromDictionary({{"b_nut", "9"},
+                                                        {"Aa", "x"},
+                                                        {"zuvi_jct", "t"},
+                                                        {"buvid4", "4"},
+                                                        {"DedeUserID__ckMd5", "m"},
+                                                        {"DedeUserID", "42"},
+                                                        {"buvid_fp", "f"}}),
+             QStringLiteral("DedeUserID=42; DedeUserID__ckMd5=m; zuvi_jct=t; buvid4=4; "
+                            "buvid_fp=f; b_nut=9; Aa=x"));
+    QCOMPARE(ZuviAPIClient::cookieStringFromDictionary({}), QString());
+}
+
+void TestZuviAPIClientHelpers::credentialStoreTrimsAndRemoves()
+{
+    QCOMPARE(m_client->credentialCookie(), QString());
+    m_client->updateCredentialCookie("  \n SESSDATA=s; zuvi_jct=t \n");
+    QCOMPARE(m_client->credentialCookie(), QStringLiteral("SESSDATA=s; zuvi_jct=t"));
+    QCOMPARE(m_store->get()->stringForKey("ZuviCredentialCookie"),
+             QStringLiteral("SESSDATA=s; zuvi_jct=t"));
+    m_client->updateCredentialCookie("   \n ");
+    QCOMPARE(m_client->credentialCookie(), QString());
+    QVERIFY(!m_store->get()->containsKey("ZuviCredentialCookie"));
+    m_client->updateCredentialCookie("a=1");
+    m_client->clearCredentialCookie();
+    QVERIFY(!m_store->get()->containsKey("ZuviCredentialCookie"));
+}
+
+void TestZuviAPIClientHelpers::credentialReadsTokenAndMemberId()
+{
+    QCOMPARE(m_client->currentMIDFromCredentialCookie(), 0);
+    QCOMPARE(m_client->csrfTokenFromCredentialCookie(), QString());
+    m_client->updateCredentialCookie("DedeUserID=9007199254740993; zuvi_jct=abc123; SESSDATA=s");
+    QCOMPARE(m_client->currentMIDFromCredentialCookie(), Q_INT64_C(9007199254740993));
+    QCOMPARE(m_client->csrfTokenFromCredentialCookie(), QStringLiteral("abc123"));
+    m_client->updateCredentialCookie("DedeUserID=12ab");
+    QCOMPARE(m_client->currentMIDFromCredentialCookie(), 0);
+}
+
+void TestZuviAPIClientHelpers::credentialCookieFromSetCookieHeaders_data()
+{
+    QTest::addColumn<bool>("isHTTP");
+    QTest::addColumn<QList<QByteArray>>("setCookies");
+    QTest::addColumn<QVariant>("expected"); // invalid = no result at all
+    QTest::newRow("login cookies in fixed order")
+        << true
+        << QList<QByteArray>{"zuvi_jct=t; Path=/; Domain=127.0.0.1", "SESSDATA=s%2C1; HttpOnly",
+                             "other=1", "DedeUserID=42", "DedeUserID__ckMd5=m"}
+        << QVariant("DedeUserID=42; DedeUserID__ckMd5=m; SESSDATA=s%2C1; zuvi_jct=t");
+    QTest::newRow("later cookie replaces earlier")
+        << true << QList<QByteArray>{"SESSDATA=old", "SESSDATA=new"} << QVariant("SESSDATA=new");
+    QTest::newRow("cookies but none of ours")
+        << true << QList<QByteArray>{"buvid3=x", "a=b"} << QVariant(QString(""));
+    QTest::newRow("empty values skipped")
+        << true << QList<QByteArray>{"SESSDATA=", "zuvi_jct=t"} << QVariant("zuvi_jct=t");
+    QTest::newRow("no cookie header") << true << QList<QByteArray>{} << QVariant();
+    QTest::newRow("not http") << false << QList<QByteArray>{"SESSDATA=s"} << QVariant();
+}
+
+void TestZuviAPIClientHelpers::credentialCookieFromSetCookieHeaders()
+{
+    QFETCH(bool, isHTTP);
+    QFETCH(QList<QByteArray>, setCookies);
+    QFETCH(QVariant, expected);
+    ZuviHTTPResponse response;
+    response.isHTTP = isHTTP;
+    response.statusCode = 200;
+    response.headers.append(qMakePair(QByteArray("Content-Type"), QByteArray("application/json")));
+    // Repeated Set-Cookie lines arrive joined by line breaks, as the transport gives them.
+    if (!setCookies.isEmpty())
+        response.headers.append(qMakePair(QByteArray("Set-Cookie"), setCookies.join('\n')));
+    const std::optional<QString> cookie = ZuviAPIClient::credentialCookieFromHTTPResponse(response);
+    QCOMPARE(cookie.has_value(), expected.isValid());
+    if (cookie)
+        QCOMPARE(*cookie, expected.toString());
+}
+
+void TestZuviAPIClientHelpers::jsonRootChecks_data()
+{
+    QTest::addColumn<QByteArray>("data");
+    QTest::addColumn<QString>("domain");
+    QTest::addColumn<int>("code");
+    QTest::newRow("empty") << QByteArray() << "ZuviAPIClientErrorDomain" << 100;
+    QTest::newRow("html page") << QByteArray("<html>502 Bad Gateway</html>")
+                               << "ZuviJSONErrorDomain" << int(QJsonParseError::IllegalValue);
+    QTest::newRow("truncated") << QByteArray("{\"code\":0,\"data\":{") << "ZuviJSONErrorDomain"
+                               << -1;
+    QTest::newRow("array root") << QByteArray("[1,2]") << "ZuviAPIClientErrorDomain" << 102;
+    // A bare scalar is not a JSON document at all, as a strict reader sees it.
+    QTest::newRow("string root") << QByteArray("\"ok\"") << "ZuviJSONErrorDomain" << -1;
+    QTest::newRow("object") << QByteArray("{\"code\":0}") << "" << 0;
+}
+
+void TestZuviAPIClientHelpers::jsonRootChecks()
+{
+    QFETCH(QByteArray, data);
+    QFETCH(QString, domain);
+    QFETCH(int, code);
+    ZuviError error;
+    const std::optional<QJsonObject> root = ZuviAPIClient::jsonRootDictionaryFromData(data, &error);
+    QCOMPARE(root.has_value(), domain.isEmpty());
+    QCOMPARE(error.domain, domain);
+    if (code >= 0)
+        QCOMPARE(error.code, code);
+    if (!domain.isEmpty())
+        QVERIFY(!error.message.isEmpty());
+    if (code == 100)
+        QCOMPARE(error.message, QStringLiteral("接口没有返回数据"));
+    if (code == 102)
+        QCOMPARE(error.message, QStringLiteral("接口返回格式不是 JSON 对象"));
+}
+
+void TestZuviAPIClientHelpers::shortErrorText_data()
+{
+    QTest::addColumn<QString>("message");
+    QTest::addColumn<QString>("expected");
+    const QString fortyTwo(42, QChar(0x5F39));
+    QTest::newRow("empty") << ""
+                           << "未知错误";
+    QTest::newRow("42 kept") << fortyTwo << fortyTwo;
+    QTest::newRow("43 cut") << fortyTwo + "x" << fortyTwo + "...";
+    QTest::newRow("long cut") << QString(100, 'a') << QString(42, 'a') + "...";
+}
+
+void TestZuviAPIClientHelpers::shortErrorText()
+{
+    QFETCH(QString, message);
+    QFETCH(QString, expected);
+    QCOMPARE(ZuviAPIClient::shortErrorText(ZuviError("d", 1, message)), expected);
+}
+
+void TestZuviAPIClientHelpers::stringAndCompactCount_data()
+{
+    QTest::addColumn<QJsonValue>("value");
+    QTest::addColumn<QString>("string");
+    QTest::addColumn<QString>("compact");
+    QTest::newRow("text 9999") << QJsonValue("9999") << "9999"
+                               << "9999";
+    QTest::newRow("zero") << QJsonValue(0) << "0"
+                          << "";
+    QTest::newRow("text abc") << QJsonValue("abc") << "abc"
+                              << "";
+    QTest::newRow("15000") << QJsonValue(15000) << "15000"
+                           << "1.5万";
+    QTest::newRow("12345") << QJsonValue(12345) << "12345"
+                           << "1.2万";
+    QTest::newRow("10000") << QJsonValue(10000) << "10000"
+                           << "1.0万";
+    QTest::newRow("hundred million") << QJsonValue(120000000) << "120000000"
+                                     << "12000.0万";
+    QTest::newRow("fraction") << QJsonValue(12.75) << "12.75"
+                              << "12";
+    QTest::newRow("negative") << QJsonValue(-5) << "-5"
+                              << "";
+    QTest::newRow("leading number") << QJsonValue("88abc") << "88abc"
+                                    << "88";
+    QTest::newRow("bool") << QJsonValue(true) << "1"
+                          << "1";
+    QTest::newRow("null") << QJsonValue() << ""
+                          << "";
+    QTest::newRow("array") << QJsonValue(QJsonArray{1}) << ""
+                           << "";
+    QTest::newRow("object") << QJsonValue(QJsonObject{{"a", 1}}) << ""
+                            << "";
+}
+
+void TestZuviAPIClientHelpers::stringAndCompactCount()
+{
+    QFETCH(QJsonValue, value);
+    QFETCH(QString, string);
+    QFETCH(QString, compact);
+    QCOMPARE(ZuviAPIClient::stringFromObject(value), string);
+    QCOMPARE(ZuviAPIClient::compactCountStringFromObject(value), compact);
+}
+
+QTEST_GUILESS_MAIN(TestZuviAPIClientHelpers)
+#include "tst_zuviapiclienthelpers.moc"
