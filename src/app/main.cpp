@@ -2,6 +2,8 @@
 // delegate, which builds everything else.
 #include "app/zuviappdelegate.h"
 #include "app/zuvidebuglog.h"
+#include "config/zuviremoteconfig.h"
+#include "images/zuviimageloader.h"
 #include "net/zuviapiclient.h"
 #include "platform/zuvidefaults.h"
 #include "platform/zuvilaunchoptions.h"
@@ -38,6 +40,8 @@ int main(int argc, char *argv[])
     services.center = ZuviNotificationCenter::defaultCenter();
     services.scheduler = ZuviScheduler::sharedScheduler();
     services.log = ZuviDebugLog::sharedLog();
+    services.imageLoader = ZuviImageLoader::sharedLoader();
+    services.remoteConfig = ZuviRemoteConfig::sharedConfig();
     services.endpoints = ZuviEndpoints::shared();
     services.infoDictionary = ZuviAppDelegate::bundledInfoDictionary();
 
