@@ -1,0 +1,96 @@
+// oldzuvi: parses the launch options and hands over to the application
+// delegate, which builds everything else.
+#include "app/zuviappdelegate.h"
+#include "app/zuvidebuglog.h"
+#include "app/zuvifirstpageprobe.h"
+#include "config/zuviremoteconfig.h"
+#include "images/zuviimageloader.h"
+#include "net/zuviapiclient.h"
+#include "platform/zuvidefaults.h"
+#include "platform/zuvilaunchoptions.h"
+#include "platform/zuvinotificationcenter.h"
+#include "platform/zuvischeduler.h"
+
+#include <QDateTime>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QGuiApplication>
+#include <QQmlApplicationEngine>
+#include <QQmlExtensionPlugin>
+#include <QTextStream>
+
+Q_IMPORT_QML_PLUGIN(ZuviPlugin)
+
+namespace {
+// Resident memory of this process in kB, from the kernel's status file.
+qint64 residentKilobytes()
+{
+    QFile status(QStringLiteral("/proc/self/status"));
+    if (!status.open(QIODevice::ReadOnly))
+        return -1;
+    for (const QByteArray &line : status.readAll().split('\n')) {
+        if (line.startsWith("VmRSS:"))
+            return line.mid(6).trimmed().split(' ').first().toLongLong();
+    }
+    return -1;
+}
+
+// With OLDZUVI_STARTUP_REPORT set, prints when the first page is on the
+// screen and how much memory is resident then; "exit" also quits, so a
+// script can time whole launches.
+void reportFirstPageIfAsked(ZuviAppDelegate *delegate, const QElapsedTimer &sinceMain)
+{
+    const QByteArray mode = qgetenv("OLDZUVI_STARTUP_REPORT");
+    if (mode.isEmpty())
+        return;
+    new ZuviFirstPageProbe(
+        delegate,
+        [mode, sinceMain] {
+            QTextStream(stdout) << "oldzuvi first-page-shown epoch_ms="
+                                << QDateTime::currentMSecsSinceEpoch()
+                                << " since_main_ms=" << sinceMain.elapsed()
+                                << " rss_kb=" << residentKilobytes() << Qt::endl;
+            if (mode == "exit")
+                QCoreApplication::quit();
+        },
+        delegate);
+}
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    QElapsedTimer sinceMain;
+    sinceMain.start();
+    QGuiApplication app(argc, argv);
+    QGuiApplication::setApplicationName(QStringLiteral("oldzuvi"));
+    QGuiApplication::setOrganizationName(QStringLiteral("oldzuvi"));
+
+    ZuviLaunchOptions options;
+    ZuviError error;
+    if (!ZuviLaunchOptions::parse(QGuiApplication::arguments(),
+                                  QProcessEnvironment::systemEnvironment(), &options, &error)) {
+        QTextStream(stderr) << "oldzuvi: " << error.message << "\n"
+                            << "usage: oldzuvi [--endpoints FILE] [--idiom pad|phone] "
+                               "[--settings FILE]\n";
+        return 2;
+    }
+    options.apply();
+
+    ZuviAppDelegate::Services services;
+    services.client = ZuviAPIClient::sharedClient();
+    services.defaults = ZuviDefaults::standardDefaults();
+    services.center = ZuviNotificationCenter::defaultCenter();
+    services.scheduler = ZuviScheduler::sharedScheduler();
+    services.log = ZuviDebugLog::sharedLog();
+    services.imageLoader = ZuviImageLoader::sharedLoader();
+    services.remoteConfig = ZuviRemoteConfig::sharedConfig();
+    services.endpoints = ZuviEndpoints::shared();
+    services.infoDictionary = ZuviAppDelegate::bundledInfoDictionary();
+
+    QQmlEngine engine;
+    ZuviAppDelegate delegate(services);
+    if (!delegate.applicationDidFinishLaunching(&engine))
+        return 1;
+    reportFirstPageIfAsked(&delegate, sinceMain);
+    return app.exec();
+}
