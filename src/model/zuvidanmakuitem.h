@@ -1,7 +1,10 @@
 #pragma once
 
+#include <QByteArrayView>
 #include <QMetaType>
 #include <QString>
+
+#include <optional>
 
 // One flying comment: its text, when it is shown and how it is drawn.
 struct ZuviDanmakuItem {
@@ -18,6 +21,16 @@ struct ZuviDanmakuItem {
         constexpr quint32 alpha = 235; // round(0.92 × 255)
         return (alpha << 24) | (colorRGB & 0xFFFFFFu);
     }
+
+    // One comment from its text and the comma-separated "p" attribute
+    // (time, mode, font size, colour, then the id at position 7). Nothing
+    // for an empty text; a null or short parameter string keeps the defaults.
+    static std::optional<ZuviDanmakuItem> itemWithText(const QString &text,
+                                                       const QString &parameterString = QString());
+    // Reads a "p" attribute given as UTF-8 bytes into an item's time, mode,
+    // font size (clamped to 13…20), colour and id. The XML parser calls this
+    // straight on the attribute's bytes, so both paths share one rule.
+    static void readParameterBytes(ZuviDanmakuItem &item, QByteArrayView parameterBytes);
 };
 
 Q_DECLARE_METATYPE(ZuviDanmakuItem)

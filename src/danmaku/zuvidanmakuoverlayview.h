@@ -1,0 +1,86 @@
+#pragma once
+
+#include "model/zuvidanmakuitem.h"
+#include "zuvidanmakuengine.h"
+
+#include <QList>
+#include <QMetaObject>
+#include <QQuickItem>
+#include <QtQml/qqmlregistration.h>
+
+class ZuviDanmakuLabelNode;
+
+// The transparent danmaku layer laid over the movie picture. It forwards the
+// video screen's ticks to its ZuviDanmakuEngine and draws the engine's labels:
+// each label's text is a texture made once when the label starts its flight,
+// and each frame only moves it. Frames are asked for only while some label
+// is on screen and its clock runs, so a paused or empty overlay costs nothing.
+class ZuviDanmakuOverlayView : public QQuickItem
+{
+    Q_OBJECT
+    QML_ELEMENT
+    Q_PROPERTY(bool danmakuEnabled READ isDanmakuEnabled WRITE setDanmakuEnabled NOTIFY
+                   danmakuEnabledChanged)
+    Q_PROPERTY(bool danmakuPaused READ isDanmakuPaused NOTIFY countersChanged)
+    Q_PROPERTY(bool padIdiom READ isPadIdiom WRITE setPadIdiom NOTIFY padIdiomChanged)
+    Q_PROPERTY(int visibleCount READ visibleCount NOTIFY countersChanged)
+    Q_PROPERTY(int itemCount READ itemCount NOTIFY countersChanged)
+    Q_PROPERTY(qint64 launchedCount READ launchedCount NOTIFY countersChanged)
+    Q_PROPERTY(qint64 droppedCount READ droppedCount NOTIFY countersChanged)
+
+public:
+    explicit ZuviDanmakuOverlayView(QQuickItem *parent = nullptr);
+    ~ZuviDanmakuOverlayView() override;
+
+    ZuviDanmakuEngine *engine() { return &m_engine; }
+    const ZuviDanmakuEngine *engine() const { return &m_engine; }
+
+    bool isDanmakuEnabled() const { return m_engine.isDanmakuEnabled(); }
+    void setDanmakuEnabled(bool enabled);
+    bool isDanmakuPaused() const { return m_engine.isDanmakuPaused(); }
+    bool isPadIdiom() const { return m_engine.idiom() == ZuviIdiom::Pad; }
+    void setPadIdiom(bool pad);
+
+    // The list must be sorted by time.
+    void setDanmakuItems(const QList<ZuviDanmakuItem> &items);
+
+    Q_INVOKABLE void tickAtPlaybackTime(double playbackTime, bool playing);
+    Q_INVOKABLE void resetForPlaybackTime(double playbackTime);
+    Q_INVOKABLE void clearVisibleDanmaku();
+    Q_INVOKABLE void setDanmakuPaused(bool paused);
+    Q_INVOKABLE QString debugStateTextForPlaybackTime(double playbackTime, bool playing) const;
+
+    int visibleCount() const { return m_engine.visibleLabelCount(); }
+    int itemCount() const { return int(m_engine.danmakuItems().size()); }
+    // Labels launched, and items dropped by the cap or for want of a lane.
+    qint64 launchedCount() const { return qint64(m_engine.counters().launched); }
+    qint64 droppedCount() const;
+
+signals:
+    void danmakuEnabledChanged();
+    void padIdiomChanged();
+    void countersChanged();
+
+protected:
+    QSGNode *updatePaintNode(QSGNode *oldNode, UpdatePaintNodeData *data) override;
+    void geometryChange(const QRectF &newGeometry, const QRectF &oldGeometry) override;
+    void itemChange(ItemChange change, const ItemChangeData &value) override;
+    void releaseResources() override;
+
+private:
+    void afterStateChange();
+    void frameAnimated();
+    void watchWindow(QQuickWindow *window);
+    ZuviDanmakuLabelNode *createLabelNode(const ZuviDanmakuLabel &label);
+    void placeLabelNode(ZuviDanmakuLabelNode *node, const ZuviDanmakuLabel &label) const;
+
+    ZuviDanmakuEngine m_engine;
+    QMetaObject::Connection m_frameConnection;
+    qreal m_devicePixelRatio = 1;
+    // What the last requested frame showed and the counters last reported.
+    int m_shownCount = 0;
+    quint64 m_shownNewest = 0;
+    quint64 m_reportedLaunched = 0;
+    qint64 m_reportedDropped = 0;
+    bool m_reportedPaused = false;
+};
