@@ -25,6 +25,7 @@ class ZuviDebugLog;
 class ZuviDefaults;
 class ZuviHTTPTransport;
 class ZuviNotificationCenter;
+class ZuviScheduler;
 class ZuviWorkQueue;
 
 using ZuviCookieDictionary = QMap<QString, QString>;
@@ -61,6 +62,11 @@ public:
         std::function<void(bool success, const QString &message, const ZuviError &)>;
     // Runs on the network queue with the answer or the connection error.
     using ResponseHandler = std::function<void(const ZuviHTTPResponse &, const ZuviError &)>;
+    // The device-complete cookie, or the error that kept it from being made.
+    using CookieCompletion = std::function<void(const QString &cookie, const ZuviError &)>;
+    using MediaIDCompletion = std::function<void(qint64 mediaID, const ZuviError &)>;
+    // Builds and sends an action's request with the device-complete cookie.
+    using CookiePerform = std::function<void(const QString &cookie)>;
 
     static const char *const kErrorDomain;
     static const char *const kCredentialCookieKey;
@@ -68,9 +74,13 @@ public:
     static const char *const kRequestErrorLogUpdatedNotification;
     static const char *const kAPIUserAgent;
     static const char *const kBrowserUserAgent;
+    static const char *const kDanmakuLogNotification;
+    static const char *const kSearchRetryCallName;
 
+    // A null scheduler means the shared real-time one.
     ZuviAPIClient(ZuviDefaults *defaults, ZuviDebugLog *log, ZuviNotificationCenter *center,
-                  const ZuviEndpoints &endpoints, QObject *parent = nullptr);
+                  const ZuviEndpoints &endpoints, ZuviScheduler *scheduler = nullptr,
+                  QObject *parent = nullptr);
     ~ZuviAPIClient() override;
 
     static ZuviAPIClient *sharedClient();
@@ -78,6 +88,7 @@ public:
     ZuviWorkQueue *networkQueue() const { return m_networkQueue.get(); }
     const ZuviEndpoints &endpoints() const { return m_endpoints; }
     ZuviDefaults *defaults() const { return m_defaults; }
+    ZuviScheduler *scheduler() const { return m_scheduler; }
     // Every request's timeout; 20 s unless a test shortens it.
     void setRequestTimeoutMs(int timeoutMs) { m_timeoutMs = timeoutMs; }
     int requestTimeoutMs() const { return m_timeoutMs; }
@@ -126,7 +137,90 @@ public:
     static QString shortErrorText(const ZuviError &error);
     static QString stringFromObject(const QJsonValue &value);
     static QString compactCountStringFromObject(const QJsonValue &value);
+    // A value read as a number's longLongValue: "12abc" is 12, "abc", null and objects are 0.
+    static qint64 integerFromObject(const QJsonValue &value);
+    // A value read as a boolValue: true, non-zero numbers, and texts that
+    // start with Y, T or a digit 1–9 after blanks, a sign and zeros.
+    static bool boolFromObject(const QJsonValue &value);
+    // The service envelope: a non-zero "code" is an error with that code and
+    // the root's "message", or the fallback when the message is empty.
+    // Returns the null error for code 0.
+    static ZuviError serviceErrorFromRootDictionary(const QJsonObject &root,
+                                                    const QString &fallbackMessage);
     bool developerModeEnabled() const;
+    // Turns developer mode on for this process without touching the stored
+    // preference (the command-line client's --developer-mode).
+    void setDeveloperModeForced(bool forced) { m_developerModeForced = forced; }
+
+    // --- Video lists
+    void fetchPopularPage(int page, int pageSize, VideosCompletion completion);
+    void fetchRecommendedPage(int page, int pageSize, VideosCompletion completion);
+    void fetchWebRankingWithRID(int rid, const QString &route, int pageSize,
+                                VideosCompletion completion);
+    void fetchRegionRankingWithRID(int rid, VideosCompletion completion);
+    void fetchLegacyRegionRankingWithRID(int rid, const ZuviError &lastError,
+                                         VideosCompletion completion);
+    void fetchSearchVideosWithKeyword(const QString &keyword, int page,
+                                      VideosCompletion completion);
+    void fetchSearchVideosWithKeyword(const QString &keyword, int page, int retryCount,
+                                      VideosCompletion completion);
+    void retrySearchVideosWithKeyword(const QString &keyword, int page, int retryCount,
+                                      VideosCompletion completion);
+    void fetchHistoryVideosWithCompletion(VideosCompletion completion);
+    void fetchWatchLaterVideosWithCompletion(VideosCompletion completion);
+    void fetchFavoriteVideosForMID(qint64 mid, VideosCompletion completion);
+    void fetchFavoriteVideosWithMediaID(qint64 mediaID, VideosCompletion completion);
+
+    // --- One video: detail, play address, danmaku, related, comments
+    void fetchVideoDetailWithBVID(const QString &bvid, DetailCompletion completion);
+    void fetchBestPlayURLWithBVID(const QString &bvid, qint64 cid, PlayURLCompletion completion);
+    void fetchPlayURLWithBVID(const QString &bvid, qint64 cid, const QList<int> &qualities,
+                              PlayURLCompletion completion);
+    void fetchPlayURLWithBVID(const QString &bvid, qint64 cid, const QList<int> &qualities,
+                              int index, const ZuviError &lastError, PlayURLCompletion completion);
+    void fetchDanmakuWithCID(qint64 cid, DanmakuCompletion completion);
+    void fetchLegacyDanmakuWithCID(qint64 cid, const ZuviError &lastError,
+                                   DanmakuCompletion completion);
+    void fetchRelatedVideosWithBVID(const QString &bvid, VideosCompletion completion);
+    void fetchCommentsForAID(qint64 aid, const QString &bvid, CommentsCompletion completion);
+    void fetchCommentsForAID(qint64 aid, const QString &bvid, int page, int pageSize,
+                             CommentsCompletion completion);
+    void fetchMainCommentsForAID(qint64 aid, const QString &bvid, const ZuviError &lastError,
+                                 CommentsCompletion completion);
+    // One step of the danmaku source trace: the debug log in developer mode,
+    // and "ZuviDanmakuAPILogNotification" always.
+    void postDanmakuAPILogMessage(const QString &message);
+
+    // --- Following feed
+    void fetchFollowingRowsWithType(const QString &type, int page, const QString &offset,
+                                    FollowingPageCompletion completion);
+    void fetchFollowingRowsWithType(const QString &type, FollowingRowsCompletion completion);
+
+    // --- Device identity and signed-in actions
+    static bool cookieHasDeviceIdentity(const QString &cookie);
+    void ensureDeviceCookieWithCompletion(CookieCompletion completion);
+    QString saveDeviceCookieFromData(const QByteArray &data, const QString &baseCookie,
+                                     ZuviError *error);
+    void ensureDeviceCookieForCategory(const QString &category, ActionCompletion actionCompletion,
+                                       CookiePerform perform);
+    void performActionRequest(const ZuviURLRequest &request, const QString &category,
+                              ActionCompletion completion);
+    void fetchDefaultFavoriteMediaIDForMID(qint64 mid, const QString &cookie,
+                                           MediaIDCompletion completion);
+    void likeVideoWithAID(qint64 aid, const QString &bvid, ActionCompletion completion);
+    void addFavoriteWithAID(qint64 aid, const QString &bvid, ActionCompletion completion);
+    void addWatchLaterWithAID(qint64 aid, const QString &bvid, ActionCompletion completion);
+    void sendCommentForAID(qint64 aid, const QString &bvid, const QString &message,
+                           ActionCompletion completion);
+    void sendDanmakuWithAID(qint64 aid, qint64 cid, const QString &bvid, const QString &message,
+                            int progress, ActionCompletion completion);
+
+    // --- QR login and the current user
+    void generateLoginQRCodeWithCompletion(LoginURLCompletion completion);
+    void pollLoginQRCodeWithKey(const QString &key, LoginPollCompletion completion);
+    void fetchCurrentUserProfileWithCompletion(UserProfileCompletion completion);
+    void fetchRelationStatForProfile(const ZuviUserProfile &profile,
+                                     UserProfileCompletion completion);
 
     // --- The finish family: record the error, then call the completion on the main thread
     void finishWithVideos(const QList<ZuviVideoItem> &videos, const ZuviError &error,
@@ -162,6 +256,39 @@ public:
     ZuviNotificationCenter *notificationCenter() const { return m_center; }
 
 private:
+    // Sends a request and hands a connection error or the parsed videos to
+    // finishWithVideos.
+    void
+    sendVideoListRequest(const ZuviURLRequest &request,
+                         std::function<QList<ZuviVideoItem>(const QByteArray &, ZuviError *)> parse,
+                         VideosCompletion completion);
+    QString apiURL(const QString &pathAndQuery) const;
+    QString hostURL(const QUrl &base, const QString &pathAndQuery) const;
+    // The primary danmaku source: the API host over plain http.
+    QString plainAPIURL(const QString &pathAndQuery) const;
+    void sendSearchRequest(const QString &keyword, int page, int retryCount,
+                           VideosCompletion completion);
+    void handleSearchFailure(const QString &keyword, int page, int retryCount,
+                             const QList<ZuviVideoItem> &items, const ZuviError &error,
+                             const VideosCompletion &completion);
+    ZuviURLRequest followingFeedRequest(const QString &type, int page, const QString &offset) const;
+    void handleDanmakuAnswer(bool legacy, qint64 cid, const ZuviHTTPResponse &response,
+                             const ZuviError &connectionError, const DanmakuCompletion &completion);
+    // The CSRF token check every action makes after its own; false (and the
+    // action finished with error 741) when there is no token.
+    bool requireCSRFToken(const QString &category, const ActionCompletion &completion,
+                          QString *csrf);
+    // The token check, then the device identity; perform gets the
+    // device-complete cookie and the token.
+    void runAction(const QString &category, ActionCompletion completion,
+                   std::function<void(const QString &cookie, const QString &csrf)> perform);
+    void failAction(int code, const QString &message, const QString &category,
+                    const ActionCompletion &completion);
+    void postAction(const QString &path, const QString &bvid, const QVariantMap &form,
+                    const QString &cookie, const QString &category, ActionCompletion completion);
+    void addFavoriteToFolder(qint64 aid, const QString &bvid, qint64 mid, const QString &cookie,
+                             const QString &csrf, ActionCompletion completion);
+
     template <typename Completion, typename... Args>
     void deliver(const QString &category, const ZuviError &error, const Completion &completion,
                  Args... args)
@@ -175,7 +302,9 @@ private:
     ZuviDebugLog *m_log;
     ZuviNotificationCenter *m_center;
     ZuviEndpoints m_endpoints;
+    ZuviScheduler *m_scheduler;
     int m_timeoutMs = 20000;
+    bool m_developerModeForced = false;
     std::unique_ptr<ZuviWorkQueue> m_networkQueue;
     std::unique_ptr<ZuviHTTPTransport> m_transport;
 };

@@ -1,0 +1,81 @@
+#pragma once
+
+#include "app/zuvidebuglog.h"
+#include "net/zuviapiclient.h"
+#include "platform/zuvinotificationcenter.h"
+#include "platform/zuvivirtualscheduler.h"
+#include "support/zuvitesthttpserver.h"
+#include "support/zuvitestsupport.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QTest>
+
+#include <memory>
+
+// A client wired to scratch services: the API host on a loopback server, the
+// passport and comment hosts on a second one (so a request on the wrong host
+// is seen), and the hosts that only appear in headers under names of their
+// own. Timers run on a virtual clock.
+struct ZuviClientTestFixture {
+    ZuviTestHttpServer server;
+    ZuviTestHttpServer otherServer;
+    ZuviScratchDefaults defaults;
+    ZuviNotificationCenter center;
+    ZuviVirtualScheduler scheduler;
+    std::unique_ptr<ZuviDebugLog> log;
+    std::unique_ptr<ZuviAPIClient> client;
+    ZuviEndpoints endpoints;
+
+    ZuviClientTestFixture()
+    {
+        server.start();
+        otherServer.start();
+        endpoints = ZuviEndpoints::allOn(server.baseUrl());
+        endpoints.passport = otherServer.baseUrl();
+        endpoints.comment = otherServer.baseUrl();
+        endpoints.web = QUrl("http://web.test");
+        endpoints.search = QUrl("http://search.test");
+        endpoints.space = QUrl("http://space.test");
+        endpoints.dynamic = QUrl("http://dynamic.test");
+        endpoints.videoCDNDomainSuffix = "cdn.test";
+        rebuild();
+    }
+
+    void rebuild()
+    {
+        client.reset();
+        log = std::make_unique<ZuviDebugLog>(defaults.get(), &center);
+        client = std::make_unique<ZuviAPIClient>(defaults.get(), log.get(), &center, endpoints,
+                                                 &scheduler);
+        client->setRequestTimeoutMs(5000);
+    }
+
+    void answerJson(const QString &path, const QByteArray &json, ZuviTestHttpServer *on = nullptr)
+    {
+        (on ? on : &server)->setAnswer("*", path, ZuviScriptedAnswer::json(json));
+    }
+};
+
+// Spins the event loop until the flag is set (completions arrive on the main thread).
+#define ZUVI_WAIT(condition) QTRY_VERIFY_WITH_TIMEOUT(condition, 10000)
+
+inline QByteArray zuviJson(const QJsonObject &object)
+{
+    return QJsonDocument(object).toJson(QJsonDocument::Compact);
+}
+
+// A list entry that every video factory accepts.
+inline QJsonObject zuviVideoEntry(const QString &bvid, const QString &title)
+{
+    return QJsonObject{{"bvid", bvid},
+                       {"title", title},
+                       {"owner", QJsonObject{{"name", "UP主"}}},
+                       {"stat", QJsonObject{{"view", 12345}, {"reply", 3}}},
+                       {"pic", "//img.test/a.jpg"},
+                       {"duration", 75},
+                       {"aid", 5},
+                       {"cid", 6}};
+}
+Q_DECLARE_METATYPE(ZuviScriptedAnswer)
