@@ -49,6 +49,17 @@ QSizeF ZuviDanmakuLabelPainter::measureText(const QString &text, qreal fontSize)
     return QSizeF(metrics.horizontalAdvance(text), metrics.height());
 }
 
+QString ZuviDanmakuLabelPainter::displayedText(const ZuviDanmakuLabel &label)
+{
+    const QFontMetricsF &metrics = metricsForSize(pixelSizeFor(label.fontSize));
+    // The text gets the label's width less the shadow's offset; longer text
+    // ends in an ellipsis instead of running off the label.
+    const qreal textWidth = std::max<qreal>(0, label.size.width() - 1);
+    if (metrics.horizontalAdvance(label.text) <= textWidth)
+        return label.text;
+    return metrics.elidedText(label.text, Qt::ElideRight, textWidth);
+}
+
 QImage ZuviDanmakuLabelPainter::rasterise(const ZuviDanmakuLabel &label, qreal devicePixelRatio)
 {
     const QSizeF size = label.size;
@@ -61,12 +72,7 @@ QImage ZuviDanmakuLabelPainter::rasterise(const ZuviDanmakuLabel &label, qreal d
     image.fill(Qt::transparent);
 
     const QFontMetricsF &metrics = metricsForSize(pixelSizeFor(label.fontSize));
-    // The text gets the label's width less the shadow's offset; longer text
-    // ends in an ellipsis instead of running off the label.
-    const qreal textWidth = std::max<qreal>(0, size.width() - 1);
-    const QString shown = metrics.horizontalAdvance(label.text) <= textWidth
-                              ? label.text
-                              : metrics.elidedText(label.text, Qt::ElideRight, textWidth);
+    const QString shown = displayedText(label);
     const qreal baseline = std::floor((size.height() - metrics.height()) * 0.5 + metrics.ascent());
 
     QPainter painter(&image);

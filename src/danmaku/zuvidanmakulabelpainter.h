@@ -17,6 +17,8 @@ public:
     static QFont fontForSize(qreal fontSize);
     // The size of the text on one line in the bold font of that size.
     static QSizeF measureText(const QString &text, qreal fontSize);
+    // The text as drawn: whole when it fits the label, else cut at the tail with "…".
+    static QString displayedText(const ZuviDanmakuLabel &label);
     // The label's text drawn into an image of label.size × devicePixelRatio.
     static QImage rasterise(const ZuviDanmakuLabel &label, qreal devicePixelRatio);
 };

@@ -156,12 +156,6 @@ void ZuviDanmakuOverlayView::itemChange(ItemChange change, const ItemChangeData 
     }
 }
 
-void ZuviDanmakuOverlayView::releaseResources()
-{
-    // Label nodes own their textures and go with the node tree.
-    QQuickItem::releaseResources();
-}
-
 ZuviDanmakuLabelNode *ZuviDanmakuOverlayView::createLabelNode(const ZuviDanmakuLabel &label)
 {
     QSGTexture *texture = nullptr;

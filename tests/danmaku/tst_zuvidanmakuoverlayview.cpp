@@ -1,6 +1,7 @@
 // The overlay item in a real (offscreen) Qt Quick window: labels turn into
 // textured nodes that show up in a grabbed frame, and the item asks for
 // frames only while something moves.
+#include "danmaku/zuvidanmakulabelpainter.h"
 #include "danmaku/zuvidanmakuoverlayview.h"
 #include "platform/zuvivirtualscheduler.h"
 
@@ -86,11 +87,47 @@ class TestZuviDanmakuOverlayView : public QObject
     Q_OBJECT
 
 private slots:
+    void painterStylesAndElides();
     void rendersLabelsAsTextures();
     void asksForFramesOnlyWhileMoving();
     void enabledSwitchHidesAndResets();
     void registeredInQml();
 };
+
+void TestZuviDanmakuOverlayView::painterStylesAndElides()
+{
+    ZuviDanmakuEngine engine;
+    ZuviDanmakuLabel label;
+    label.text = QStringLiteral("WWWW");
+    label.fontSize = 20;
+    label.color = 0xFFFFFFFF;
+    label.size = engine.sizeForLabel(label, 0);
+    QCOMPARE(ZuviDanmakuLabelPainter::displayedText(label), label.text);
+
+    const QImage image = ZuviDanmakuLabelPainter::rasterise(label, 2.0);
+    QCOMPARE(image.size(), (label.size * 2).toSize());
+    // White text, and below-right of it the black shadow (alpha 0.88).
+    int white = 0;
+    int shadow = 0;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            const QRgb pixel = image.pixel(x, y);
+            white += qAlpha(pixel) > 200 && qGray(pixel) > 230;
+            shadow += qAlpha(pixel) > 200 && qGray(pixel) < 30;
+        }
+    }
+    QVERIFY(white > 40);
+    QVERIFY(shadow > 10);
+    QCOMPARE(QColor::fromRgba(image.pixel(image.width() - 1, 0)).alpha(), 0); // clear around
+
+    // A text far wider than 0.86 × a 320 wide view is cut at the tail.
+    label.text = QString(80, QChar(u'长'));
+    label.size = engine.sizeForLabel(label, 0.86 * 320);
+    QCOMPARE(label.size.width(), 0.86 * 320);
+    const QString shown = ZuviDanmakuLabelPainter::displayedText(label);
+    QVERIFY(shown.endsWith(QChar(0x2026)));
+    QVERIFY(shown.size() < 40);
+}
 
 void TestZuviDanmakuOverlayView::rendersLabelsAsTextures()
 {
