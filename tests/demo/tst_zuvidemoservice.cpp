@@ -1,0 +1,888 @@
+#include "platform/zuvivirtualscheduler.h"
+#include "zuvidemoservice.h"
+#include "zuvidemotestclient.h"
+
+#include <QImage>
+#include <QJsonArray>
+#include <QNetworkCookie>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <memory>
+
+// The demo service over real loopback HTTP: list shapes, Range answers,
+// thumbnails, conditional configuration, the QR login, the signed-in
+// actions and their effects, persistence and the failure switches.
+class TestZuviDemoService : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void sameSeedSameAnswers();
+    void listsAnswerInTheirShapes_data();
+    void listsAnswerInTheirShapes();
+    void rankingFollowsRegion();
+    void searchPagesWithHighlights();
+    void playAddressKinds();
+    void mediaAnswersRanges_data();
+    void mediaAnswersRanges();
+    void thumbnailsAtTheAskedSize_data();
+    void thumbnailsAtTheAskedSize();
+    void configurationRevalidates();
+    void qrLoginWalksThroughItsStates();
+    void qrLoginExpires();
+    void signedOutAnswers_data();
+    void signedOutAnswers();
+    void writesAreChecked_data();
+    void writesAreChecked();
+    void actionsChangeWhatListsShow();
+    void commentsPage();
+    void followingFeedPagesByOffset();
+    void stateSurvivesRestartWithDataDirectory();
+    void failureSwitches_data();
+    void failureSwitches();
+    void slowSwitchWaitsForTheClock();
+    void limitedSwitchAndAdminClear();
+
+private:
+    std::unique_ptr<ZuviDemoService> makeService(quint64 seed, const QString &dataDirectory = {});
+    // Signs in through the QR flow and fetches the device identity; returns
+    // the cookie a browser would then hold.
+    QString signIn(ZuviDemoTestClient &client);
+    const ZuviDemoVideo &videoWhere(const std::function<bool(const ZuviDemoVideo &)> &test);
+
+    std::unique_ptr<QTemporaryDir> m_media;
+    std::unique_ptr<ZuviVirtualScheduler> m_scheduler;
+    std::unique_ptr<ZuviDemoService> m_service;
+    std::unique_ptr<ZuviDemoTestClient> m_client;
+    QByteArray m_clip;
+};
+
+std::unique_ptr<ZuviDemoService> TestZuviDemoService::makeService(quint64 seed,
+                                                                  const QString &dataDirectory)
+{
+    ZuviDemoOptions options;
+    options.seed = seed;
+    options.mediaDirectory = m_media->path();
+    options.dataDirectory = dataDirectory;
+    options.qrLifetimeSeconds = 180;
+    auto service = std::make_unique<ZuviDemoService>(options, m_scheduler.get());
+    QString errorText;
+    if (!service->start(0, &errorText))
+        qFatal("demo service did not start: %s", qPrintable(errorText));
+    return service;
+}
+
+void TestZuviDemoService::init()
+{
+    m_media = std::make_unique<QTemporaryDir>();
+    // A stand-in clip: the service serves bytes, it never decodes them.
+    m_clip.clear();
+    for (int i = 0; i < 5000; ++i)
+        m_clip.append(char(i % 251));
+    for (const ZuviDemoClip &clip : ZuviDemoContent::clips()) {
+        for (int height : {360, 480, 720}) {
+            QFile file(m_media->filePath(QStringLiteral("%1-%2.mp4").arg(clip.name).arg(height)));
+            QVERIFY(file.open(QIODevice::WriteOnly));
+            file.write(m_clip);
+        }
+    }
+    m_scheduler = std::make_unique<ZuviVirtualScheduler>();
+    m_service = makeService(1);
+    m_client = std::make_unique<ZuviDemoTestClient>(m_service->port());
+}
+
+void TestZuviDemoService::cleanup()
+{
+    m_client.reset();
+    m_service.reset();
+    m_scheduler.reset();
+    m_media.reset();
+}
+
+const ZuviDemoVideo &
+TestZuviDemoService::videoWhere(const std::function<bool(const ZuviDemoVideo &)> &test)
+{
+    for (const ZuviDemoVideo &video : m_service->content().videos()) {
+        if (test(video))
+            return video;
+    }
+    qFatal("no generated video fits the test");
+    return m_service->content().videos().first();
+}
+
+QString TestZuviDemoService::signIn(ZuviDemoTestClient &client)
+{
+    client.setCookie(QString());
+    const QString key = client.get("/x/passport-login/web/qrcode/generate?source=main-fe-header")
+                            .data()
+                            .value("qrcode_key")
+                            .toString();
+    client.post("/admin/confirm", {{"qrcode_key", key}});
+    client.get("/x/passport-login/web/qrcode/poll?qrcode_key=" + key); // "scanned"
+    const auto success = client.get("/x/passport-login/web/qrcode/poll?qrcode_key=" + key);
+    QStringList pairs;
+    for (const QByteArray &line : success.response.header("Set-Cookie").split('\n')) {
+        for (const QNetworkCookie &cookie : QNetworkCookie::parseCookies(line)) {
+            if (cookie.name() != "demo_visit")
+                pairs << QString::fromUtf8(cookie.name() + '=' + cookie.value());
+        }
+    }
+    const QJsonObject device = client.get("/x/frontend/finger/spi").data();
+    const QString b3 = device.value("b_3").toString();
+    pairs << "buvid3=" + b3 << "buvid4=" + device.value("b_4").toString() << "buvid_fp=" + b3;
+    client.setCookie(pairs.join("; "));
+    return client.cookie();
+}
+
+void TestZuviDemoService::sameSeedSameAnswers()
+{
+    auto twin = makeService(1);
+    auto other = makeService(2);
+    ZuviDemoTestClient twinClient(twin->port());
+    ZuviDemoTestClient otherClient(other->port());
+    const QString path = "/x/web-interface/popular?pn=2&ps=30";
+    // Addresses carry each service's own port; the rest must be identical.
+    const auto normalised = [](const ZuviDemoTestClient::Result &result, quint16 port) {
+        return QString::fromUtf8(result.response.body).replace(QString::number(port), "PORT");
+    };
+    const QString mine = normalised(m_client->get(path), m_service->port());
+    QVERIFY(mine.contains("\"list\""));
+    QCOMPARE(normalised(twinClient.get(path), twin->port()), mine);
+    QVERIFY(normalised(otherClient.get(path), other->port()) != mine);
+    const qint64 cid = m_service->content().videos().at(12).pages.first().cid;
+    const QString dm = QStringLiteral("/x/v1/dm/list.so?oid=%1").arg(cid);
+    QCOMPARE(twinClient.get(dm).response.body, m_client->get(dm).response.body);
+}
+
+void TestZuviDemoService::listsAnswerInTheirShapes_data()
+{
+    const ZuviDemoContent content(1);
+    const ZuviDemoVideo &video = content.videos().at(3);
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<QString>("listKey"); // "" when "data" itself is the list
+    QTest::addColumn<int>("count");
+    QTest::addColumn<QString>("requiredKeys");
+    QTest::newRow("popular") << "/x/web-interface/popular?pn=1&ps=25"
+                             << "list" << 25 << "bvid,title,pic,owner,stat,duration,aid,cid";
+    QTest::newRow("popular past the end") << "/x/web-interface/popular?pn=99&ps=20"
+                                          << "list" << 0 << "";
+    QTest::newRow("recommended")
+        << "/x/web-interface/index/top/feed/rcmd?ps=12&fresh_idx=3&fresh_idx_1h=3&fresh_type=3"
+        << "item" << 12 << "bvid,title,pic,owner,stat,duration,id,cid";
+    QTest::newRow("ranking all")
+        << "/x/web-interface/ranking/v2?rid=0&type=all&web_location=333.934&ps=50"
+        << "list" << 50 << "bvid,title,pic,owner,stat";
+    QTest::newRow("legacy ranking") << "/x/web-interface/ranking/region?rid=1005&day=3"
+                                    << "" << -1 << "bvid,title,author,play,video_review,duration";
+    QTest::newRow("related") << "/x/web-interface/archive/related?bvid=" + video.bvid << "" << 20
+                             << "bvid,title,owner,stat";
+}
+
+void TestZuviDemoService::listsAnswerInTheirShapes()
+{
+    QFETCH(QString, path);
+    QFETCH(QString, listKey);
+    QFETCH(int, count);
+    QFETCH(QString, requiredKeys);
+    const auto result = m_client->get(path);
+    QCOMPARE(result.response.statusCode, 200);
+    QCOMPARE(result.code(), 0);
+    const QJsonValue data = result.json().value("data");
+    const QJsonArray list =
+        listKey.isEmpty() ? data.toArray() : data.toObject().value(listKey).toArray();
+    if (count >= 0)
+        QCOMPARE(list.size(), count);
+    else
+        QVERIFY(!list.isEmpty());
+    for (const QJsonValue &item : list) {
+        for (const QString &key : requiredKeys.split(',', Qt::SkipEmptyParts))
+            QVERIFY2(item.toObject().contains(key), qPrintable(path + " lacks " + key));
+    }
+}
+
+void TestZuviDemoService::rankingFollowsRegion()
+{
+    for (const ZuviDemoRegion &region : ZuviDemoContent::regions()) {
+        const auto result = m_client->get(
+            QStringLiteral("/x/web-interface/ranking/v2?rid=%1&type=all").arg(region.rid));
+        const QJsonArray list = result.data().value("list").toArray();
+        QVERIFY2(!list.isEmpty(), qPrintable(region.name));
+        for (const QJsonValue &item : list)
+            QCOMPARE(item.toObject().value("region").toInt(), region.rid);
+    }
+    // An unknown region is refused, which sends the client to the older ranking.
+    QCOMPARE(m_client->get("/x/web-interface/ranking/v2?rid=4242&type=all").code(), -404);
+}
+
+void TestZuviDemoService::searchPagesWithHighlights()
+{
+    const QString keyword = QString::fromUtf8(QUrl::toPercentEncoding("动画"));
+    const auto first = m_client->get(
+        "/x/web-interface/search/type?search_type=video&keyword=" + keyword + "&page=1");
+    QCOMPARE(first.code(), 0);
+    const QJsonArray results = first.data().value("result").toArray();
+    QCOMPARE(results.size(), ZuviDemoContent::kSearchPageSize);
+    int highlighted = 0;
+    for (const QJsonValue &item : results)
+        highlighted +=
+            item.toObject().value("title").toString().contains("<em class=\"keyword\">动画</em>");
+    QVERIFY(highlighted > 0);
+    const int pages = first.data().value("pages").toInt();
+    QVERIFY(pages >= 2);
+    const auto second = m_client->get(
+        "/x/web-interface/search/type?search_type=video&keyword=" + keyword + "&page=2");
+    QVERIFY(second.data().value("result").toArray().first() != results.first());
+    const auto beyond = m_client->get(
+        QStringLiteral("/x/web-interface/search/type?search_type=video&keyword=%1&page=%2")
+            .arg(keyword)
+            .arg(pages + 1));
+    QCOMPARE(beyond.data().value("result").toArray().size(), 0);
+    QCOMPARE(m_client->get("/x/web-interface/search/type?search_type=video&keyword=&page=1").code(),
+             -400);
+}
+
+void TestZuviDemoService::playAddressKinds()
+{
+    const auto ask = [this](const ZuviDemoVideo &video, int qn) {
+        return m_client
+            ->get(QStringLiteral("/x/player/"
+                                 "playurl?bvid=%1&cid=%2&qn=%3&fnval=0&fnver=0&fourk=0&platform="
+                                 "html5&otype=json")
+                      .arg(video.bvid)
+                      .arg(video.pages.first().cid)
+                      .arg(qn))
+            .data();
+    };
+    const ZuviDemoVideo &plain = videoWhere(
+        [](const ZuviDemoVideo &v) { return v.playKind == ZuviDemoPlayKind::Progressive; });
+    const ZuviDemoVideo &walk = videoWhere(
+        [](const ZuviDemoVideo &v) { return v.playKind == ZuviDemoPlayKind::DashAtBest; });
+    const ZuviDemoVideo &segmented = videoWhere(
+        [](const ZuviDemoVideo &v) { return v.playKind == ZuviDemoPlayKind::SegmentedOnly; });
+
+    const QJsonObject best = ask(plain, 64);
+    QCOMPARE(best.value("quality").toInt(), 64);
+    const QString url = best.value("durl").toArray().first().toObject().value("url").toString();
+    QVERIFY(url.endsWith("-720.mp4"));
+    QCOMPARE(m_client->get(QUrl(url).path()).response.body, m_clip);
+    QVERIFY(
+        ask(plain, 16).value("durl").toArray().first().toObject().value("url").toString().endsWith(
+            "-360.mp4"));
+
+    // The walk: 64 is segmented only, 32 is a single file.
+    QVERIFY(ask(walk, 64).value("dash").isObject());
+    QVERIFY(!ask(walk, 64).contains("durl"));
+    QCOMPARE(ask(walk, 32).value("durl").toArray().size(), 1);
+
+    for (int qn : {64, 32, 16}) {
+        const QJsonObject answer = ask(segmented, qn);
+        QVERIFY(answer.value("dash").isObject());
+        QVERIFY(!answer.contains("durl"));
+        QCOMPARE(answer.value("accept_quality").toArray(), (QJsonArray{80, 64, 32, 16}));
+    }
+    // A cid of another video is not this video's part.
+    QCOMPARE(m_client
+                 ->get(QStringLiteral("/x/player/playurl?bvid=%1&cid=%2&qn=64")
+                           .arg(plain.bvid)
+                           .arg(walk.pages.first().cid))
+                 .code(),
+             -404);
+}
+
+void TestZuviDemoService::mediaAnswersRanges_data()
+{
+    QTest::addColumn<QByteArray>("range");
+    QTest::addColumn<int>("status");
+    QTest::addColumn<int>("first");
+    QTest::addColumn<int>("length");
+    QTest::newRow("whole") << QByteArray() << 200 << 0 << 5000;
+    QTest::newRow("span") << QByteArray("bytes=100-199") << 206 << 100 << 100;
+    QTest::newRow("open end") << QByteArray("bytes=4990-") << 206 << 4990 << 10;
+    QTest::newRow("suffix") << QByteArray("bytes=-20") << 206 << 4980 << 20;
+    QTest::newRow("end past size") << QByteArray("bytes=4000-9999") << 206 << 4000 << 1000;
+    QTest::newRow("start past size") << QByteArray("bytes=5000-") << 416 << 0 << 0;
+}
+
+void TestZuviDemoService::mediaAnswersRanges()
+{
+    QFETCH(QByteArray, range);
+    QFETCH(int, status);
+    QFETCH(int, first);
+    QFETCH(int, length);
+    ZuviHeaderPairs headers;
+    if (!range.isEmpty())
+        headers.append({"Range", range});
+    const auto result = m_client->get("/media/demo-a-480.mp4", headers);
+    QCOMPARE(result.response.statusCode, status);
+    QCOMPARE(result.response.header("Accept-Ranges"), QByteArray("bytes"));
+    if (status == 416) {
+        QCOMPARE(result.response.header("Content-Range"), QByteArray("bytes */5000"));
+        return;
+    }
+    QCOMPARE(result.response.body, m_clip.mid(first, length));
+    if (status == 206)
+        QCOMPARE(result.response.header("Content-Range"),
+                 QStringLiteral("bytes %1-%2/5000").arg(first).arg(first + length - 1).toLatin1());
+}
+
+void TestZuviDemoService::thumbnailsAtTheAskedSize_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<QSize>("size");
+    QTest::newRow("cover thumbnail")
+        << "/img/cover/BV1abc.jpg@320w_180h_1c_80q.jpg" << QSize(320, 180);
+    QTest::newRow("low quality") << "/img/cover/BV1abc.jpg@160w_90h_1c_60q.jpg" << QSize(160, 90);
+    QTest::newRow("full cover") << "/img/cover/BV1abc.jpg" << QSize(960, 540);
+    QTest::newRow("avatar") << "/img/face/3000001.jpg@320w_180h_1c_80q.jpg" << QSize(320, 180);
+    QTest::newRow("full avatar") << "/img/face/3000001.jpg" << QSize(240, 240);
+    QTest::newRow("clamped") << "/img/pic/x.jpg@9000w_10h_1c_80q.jpg"
+                             << QSize(ZuviDemoImageRenderer::kMaxSide, 10);
+    QTest::newRow("unknown kind") << "/img/other/x.jpg" << QSize();
+    QTest::newRow("bad suffix") << "/img/cover/x.jpg@320w.jpg" << QSize();
+}
+
+void TestZuviDemoService::thumbnailsAtTheAskedSize()
+{
+    QFETCH(QString, path);
+    QFETCH(QSize, size);
+    const auto result = m_client->get(path);
+    if (!size.isValid()) {
+        QCOMPARE(result.response.statusCode, 404);
+        return;
+    }
+    QCOMPARE(result.response.statusCode, 200);
+    QCOMPARE(result.response.header("Content-Type"), QByteArray("image/jpeg"));
+    const QImage image = QImage::fromData(result.response.body, "JPEG");
+    QCOMPARE(image.size(), size);
+    // The same address always gives the same picture.
+    QCOMPARE(m_client->get(path).response.body, result.response.body);
+}
+
+void TestZuviDemoService::configurationRevalidates()
+{
+    const auto first = m_client->get("/config/remote_config.json");
+    QCOMPARE(first.response.statusCode, 200);
+    const QJsonObject message = first.json().value("message").toObject();
+    QCOMPARE(message.value("version").toInt(), 1);
+    QVERIFY(!message.value("text").toString().isEmpty());
+    const QByteArray etag = first.response.header("ETag");
+    const QByteArray lastModified = first.response.header("Last-Modified");
+    QVERIFY(!etag.isEmpty() && !lastModified.isEmpty());
+
+    auto again = m_client->get("/config/remote_config.json", {{"If-None-Match", etag}});
+    QCOMPARE(again.response.statusCode, 304);
+    QVERIFY(again.response.body.isEmpty());
+    QCOMPARE(again.response.header("ETag"), etag);
+    QCOMPARE(m_client->get("/config/remote_config.json", {{"If-Modified-Since", lastModified}})
+                 .response.statusCode,
+             304);
+    QCOMPARE(m_client->get("/config/remote_config.json", {{"If-None-Match", "\"other\""}})
+                 .response.statusCode,
+             200);
+
+    QCOMPARE(m_client->post("/admin/announce", {{"text", "新版本上线"}, {"image", ""}})
+                 .data()
+                 .value("version")
+                 .toInt(),
+             2);
+    const auto changed =
+        m_client->get("/config/remote_config.json",
+                      {{"If-None-Match", etag}, {"If-Modified-Since", lastModified}});
+    QCOMPARE(changed.response.statusCode, 200);
+    QCOMPARE(changed.json().value("message").toObject().value("version").toInt(), 2);
+    QCOMPARE(changed.json().value("message").toObject().value("text").toString(),
+             QStringLiteral("新版本上线"));
+    QVERIFY(changed.response.header("ETag") != etag);
+    // The developer source keeps its own message.
+    QCOMPARE(m_client->get("/config/remote_config_dev.json")
+                 .json()
+                 .value("message")
+                 .toObject()
+                 .value("version")
+                 .toInt(),
+             1);
+}
+
+void TestZuviDemoService::qrLoginWalksThroughItsStates()
+{
+    const QJsonObject generated =
+        m_client->get("/x/passport-login/web/qrcode/generate?source=main-fe-header").data();
+    const QString key = generated.value("qrcode_key").toString();
+    QVERIFY(!key.isEmpty());
+    const QString page = generated.value("url").toString();
+    QVERIFY(page.startsWith(m_client->url("/qr/login")));
+    const QString poll = "/x/passport-login/web/qrcode/poll?qrcode_key=" + key;
+
+    QCOMPARE(m_client->get(poll).data().value("code").toInt(), 86101);
+    QCOMPARE(m_client->get(poll).data().value("code").toInt(), 86101);
+    // Opening the printed page is the scan; its button is the confirmation.
+    QVERIFY(m_client->get(QUrl(page).path() + "?" + QUrl(page).query())
+                .response.body.contains("确认登录"));
+    QCOMPARE(m_client->get(poll).data().value("code").toInt(), 86090);
+    QCOMPARE(m_client->post("/qr/confirm", {{"qrcode_key", key}}).response.statusCode, 200);
+    const auto success = m_client->get(poll);
+    QCOMPARE(success.data().value("code").toInt(), 0);
+    QMap<QByteArray, QByteArray> cookies;
+    for (const QByteArray &line : success.response.header("Set-Cookie").split('\n')) {
+        for (const QNetworkCookie &cookie : QNetworkCookie::parseCookies(line))
+            cookies.insert(cookie.name(), cookie.value());
+    }
+    for (const char *name : {"DedeUserID", "DedeUserID__ckMd5", "SESSDATA", "zuvi_jct"})
+        QVERIFY2(!cookies.value(name).isEmpty(), name);
+    QCOMPARE(cookies.value("DedeUserID"), QByteArray::number(ZuviDemoContent::kDemoMID));
+    // A key works once.
+    QCOMPARE(m_client->get(poll).data().value("code").toInt(), 86038);
+
+    m_client->setCookie("SESSDATA=" + QString::fromLatin1(cookies.value("SESSDATA")));
+    const QJsonObject nav = m_client->get("/x/web-interface/nav").data();
+    QCOMPARE(nav.value("isLogin").toBool(), true);
+    QCOMPARE(qint64(nav.value("mid").toDouble()), ZuviDemoContent::kDemoMID);
+    const QJsonObject stat =
+        m_client->get(QStringLiteral("/x/relation/stat?vmid=%1").arg(ZuviDemoContent::kDemoMID))
+            .data();
+    QVERIFY(stat.contains("following") && stat.contains("follower"));
+
+    // Confirming from the command line alone still shows the scanned state first.
+    const QString second = m_client->get("/x/passport-login/web/qrcode/generate")
+                               .data()
+                               .value("qrcode_key")
+                               .toString();
+    QCOMPARE(m_client->post("/admin/confirm", {{"qrcode_key", ""}})
+                 .data()
+                 .value("qrcode_key")
+                 .toString(),
+             second);
+    QCOMPARE(m_client->get("/x/passport-login/web/qrcode/poll?qrcode_key=" + second)
+                 .data()
+                 .value("code")
+                 .toInt(),
+             86090);
+    QCOMPARE(m_client->get("/x/passport-login/web/qrcode/poll?qrcode_key=" + second)
+                 .data()
+                 .value("code")
+                 .toInt(),
+             0);
+}
+
+void TestZuviDemoService::qrLoginExpires()
+{
+    const QString key = m_client->get("/x/passport-login/web/qrcode/generate")
+                            .data()
+                            .value("qrcode_key")
+                            .toString();
+    const QString poll = "/x/passport-login/web/qrcode/poll?qrcode_key=" + key;
+    m_scheduler->advance(179);
+    QCOMPARE(m_client->get(poll).data().value("code").toInt(), 86101);
+    m_scheduler->advance(2);
+    QCOMPARE(m_client->get(poll).data().value("code").toInt(), 86038);
+    QCOMPARE(m_client->post("/admin/confirm", {{"qrcode_key", key}}).code(), 1);
+    QCOMPARE(m_client->get("/x/passport-login/web/qrcode/poll?qrcode_key=unknown")
+                 .data()
+                 .value("code")
+                 .toInt(),
+             86038);
+}
+
+void TestZuviDemoService::signedOutAnswers_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::newRow("nav") << "/x/web-interface/nav";
+    QTest::newRow("relation") << "/x/relation/stat?vmid=20250001";
+    QTest::newRow("history")
+        << "/x/web-interface/history/cursor?max=0&view_at=0&business=archive&ps=20";
+    QTest::newRow("watch later") << "/x/v2/history/toview/web";
+    QTest::newRow("following") << "/x/polymer/web-dynamic/v1/feed/"
+                                  "all?timezone_offset=-480&type=all&page=1&limit=60&page_size=60";
+}
+
+void TestZuviDemoService::signedOutAnswers()
+{
+    QFETCH(QString, path);
+    QCOMPARE(m_client->get(path).code(), -101);
+    m_client->setCookie("SESSDATA=forged");
+    QCOMPARE(m_client->get(path).code(), -101);
+    if (path.contains("nav"))
+        QCOMPARE(m_client->get(path).data().value("isLogin").toBool(true), false);
+}
+
+void TestZuviDemoService::writesAreChecked_data()
+{
+    QTest::addColumn<QString>("breakage");
+    QTest::addColumn<int>("code");
+    QTest::newRow("complete") << "" << 0;
+    QTest::newRow("signed out") << "no session" << -101;
+    QTest::newRow("token missing from the form") << "no form token" << -403;
+    QTest::newRow("token of another session") << "wrong token" << -403;
+    QTest::newRow("no device identity") << "no device" << -412;
+    QTest::newRow("device never issued") << "forged device" << -412;
+    QTest::newRow("GET") << "get" << -405;
+}
+
+void TestZuviDemoService::writesAreChecked()
+{
+    QFETCH(QString, breakage);
+    QFETCH(int, code);
+    signIn(*m_client);
+    const QMap<QString, QString> cookies =
+        ZuviAPIClient::mutableCookieDictionaryFromString(m_client->cookie());
+    QVariantMap form{{"aid", QString::number(m_service->content().videos().at(0).aid)},
+                     {"like", "1"},
+                     {"csrf", cookies.value("zuvi_jct")}};
+    ZuviCookieDictionary sent = cookies;
+    if (breakage == "no session")
+        sent.remove("SESSDATA");
+    if (breakage == "no form token")
+        form.remove("csrf");
+    if (breakage == "wrong token")
+        form["csrf"] = "0123456789abcdef0123456789abcdef";
+    if (breakage == "no device")
+        sent.remove("buvid3");
+    if (breakage == "forged device")
+        sent["buvid3"] = "ABCDEF-demo3";
+    m_client->setCookie(ZuviAPIClient::cookieStringFromDictionary(sent));
+    const auto result = breakage == "get" ? m_client->get("/x/web-interface/archive/like")
+                                          : m_client->post("/x/web-interface/archive/like", form);
+    QCOMPARE(result.code(), code);
+    QVERIFY(!result.json().value("message").toString().isEmpty());
+    QCOMPARE(m_service->state().isLiked(m_service->content().videos().at(0).aid), code == 0);
+}
+
+void TestZuviDemoService::actionsChangeWhatListsShow()
+{
+    const QString cookie = signIn(*m_client);
+    const QString csrf = ZuviAPIClient::mutableCookieDictionaryFromString(cookie).value("zuvi_jct");
+    const ZuviDemoVideo &video = m_service->content().videos().at(222);
+    const QString aid = QString::number(video.aid);
+
+    // Favourites: into the first folder of the member's list.
+    const QJsonArray folders = m_client->get("/x/v3/fav/folder/created/list-all?up_mid=20250001")
+                                   .data()
+                                   .value("list")
+                                   .toArray();
+    QVERIFY(folders.size() >= 1);
+    const QString folder =
+        QString::number(qint64(folders.first().toObject().value("id").toDouble()));
+    QCOMPARE(m_client
+                 ->post("/x/v3/fav/resource/deal", {{"rid", aid},
+                                                    {"type", "2"},
+                                                    {"add_media_ids", folder},
+                                                    {"del_media_ids", ""},
+                                                    {"csrf", csrf}})
+                 .code(),
+             0);
+    const QJsonArray medias =
+        m_client->get("/x/v3/fav/resource/list?media_id=" + folder + "&pn=1&ps=20&platform=web")
+            .data()
+            .value("medias")
+            .toArray();
+    QCOMPARE(medias.first().toObject().value("bvid").toString(), video.bvid);
+
+    // Watch later.
+    QCOMPARE(m_client->post("/x/v2/history/toview/add", {{"aid", aid}, {"csrf", csrf}}).code(), 0);
+    QCOMPARE(m_client->get("/x/v2/history/toview/web")
+                 .data()
+                 .value("list")
+                 .toArray()
+                 .first()
+                 .toObject()
+                 .value("bvid")
+                 .toString(),
+             video.bvid);
+
+    // History: asking for a play address is watching.
+    m_client->get(QStringLiteral("/x/player/playurl?bvid=%1&cid=%2&qn=64")
+                      .arg(video.bvid)
+                      .arg(video.pages.first().cid));
+    const QJsonObject latest =
+        m_client->get("/x/web-interface/history/cursor?max=0&view_at=0&business=archive&ps=20")
+            .data()
+            .value("list")
+            .toArray()
+            .first()
+            .toObject();
+    QCOMPARE(latest.value("history").toObject().value("bvid").toString(), video.bvid);
+
+    // A comment appears first on page 1, its text escaped as the service stores it.
+    QCOMPARE(m_client
+                 ->post("/x/v2/reply/add", {{"type", "1"},
+                                            {"oid", aid},
+                                            {"message", "  演示评论 <3  "},
+                                            {"plat", "1"},
+                                            {"csrf", csrf}})
+                 .code(),
+             0);
+    const QJsonObject top = m_client->get("/x/v2/reply?type=1&oid=" + aid + "&pn=1&ps=20&sort=2")
+                                .data()
+                                .value("replies")
+                                .toArray()
+                                .first()
+                                .toObject();
+    QCOMPARE(top.value("content").toObject().value("message").toString(),
+             QStringLiteral("演示评论 &lt;3"));
+    QCOMPARE(
+        m_client
+            ->post("/x/v2/reply/add",
+                   {{"type", "1"}, {"oid", aid}, {"message", "   "}, {"plat", "1"}, {"csrf", csrf}})
+            .code(),
+        -400);
+
+    // A danmaku appears when the document is fetched again.
+    const qint64 cid = video.pages.first().cid;
+    const QString document = QStringLiteral("/x/v1/dm/list.so?oid=%1").arg(cid);
+    const int before = m_client->get(document).response.body.count("<d ");
+    QCOMPARE(m_client
+                 ->post("/x/v2/dm/post", {{"type", "1"},
+                                          {"oid", QString::number(cid)},
+                                          {"aid", aid},
+                                          {"bvid", video.bvid},
+                                          {"msg", "演示弹幕"},
+                                          {"progress", "12345"},
+                                          {"color", "16777215"},
+                                          {"fontsize", "25"},
+                                          {"pool", "0"},
+                                          {"mode", "1"},
+                                          {"rnd", "1"},
+                                          {"csrf", csrf}})
+                 .code(),
+             0);
+    const QByteArray after = m_client->get(document).response.body;
+    QCOMPARE(after.count("<d "), before + 1);
+    QVERIFY(after.contains("<d p=\"12.345,1,25,16777215,"));
+    QVERIFY(after.contains(">演示弹幕</d>"));
+    QCOMPARE(m_client->get(QStringLiteral("/%1.xml").arg(cid)).response.body, after);
+
+    // Likes count once.
+    QCOMPARE(
+        m_client
+            ->post("/x/web-interface/archive/like", {{"aid", aid}, {"like", "1"}, {"csrf", csrf}})
+            .code(),
+        0);
+    QCOMPARE(
+        m_client
+            ->post("/x/web-interface/archive/like", {{"aid", aid}, {"like", "1"}, {"csrf", csrf}})
+            .code(),
+        -409);
+    const QJsonObject stat =
+        m_client->get("/x/web-interface/view?bvid=" + video.bvid).data().value("stat").toObject();
+    QCOMPARE(qint64(stat.value("like").toDouble()), video.like + 1);
+    QCOMPARE(qint64(stat.value("reply").toDouble()), video.reply + 1);
+    QCOMPARE(qint64(stat.value("danmaku").toDouble()), video.danmaku + 1);
+}
+
+void TestZuviDemoService::commentsPage()
+{
+    const ZuviDemoVideo &video =
+        videoWhere([](const ZuviDemoVideo &v) { return v.commentTotal > 45; });
+    const QString base =
+        QStringLiteral("/x/v2/reply?type=1&oid=%1&ps=20&sort=2&pn=").arg(video.aid);
+    QSet<qint64> seen;
+    const int pages = (video.commentTotal + 19) / 20;
+    for (int page = 1; page <= pages; ++page) {
+        const QJsonObject data = m_client->get(base + QString::number(page)).data();
+        QCOMPARE(data.value("page").toObject().value("count").toInt(), video.commentTotal);
+        const QJsonArray replies = data.value("replies").toArray();
+        QCOMPARE(replies.size(), page < pages ? 20 : video.commentTotal - 20 * (pages - 1));
+        for (const QJsonValue &reply : replies) {
+            QVERIFY(!reply.toObject()
+                         .value("content")
+                         .toObject()
+                         .value("message")
+                         .toString()
+                         .isEmpty());
+            seen.insert(qint64(reply.toObject().value("rpid").toDouble()));
+        }
+    }
+    QCOMPARE(seen.size(), video.commentTotal);
+    QVERIFY(m_client->get(base + QString::number(pages + 1)).data().value("replies").isNull());
+    const QJsonObject main =
+        m_client
+            ->get(
+                QStringLiteral("/x/v2/reply/main?type=1&oid=%1&mode=3&ps=20&next=0").arg(video.aid))
+            .data();
+    QCOMPARE(main.value("replies").toArray().size(), 20);
+    QCOMPARE(m_client->get("/x/v2/reply?type=1&oid=1&pn=1&ps=20&sort=2").code(), -404);
+}
+
+void TestZuviDemoService::followingFeedPagesByOffset()
+{
+    signIn(*m_client);
+    const QString base = "/x/polymer/web-dynamic/v1/feed/"
+                         "all?timezone_offset=-480&type=%1&page=1&limit=60&page_size=60";
+    QString offset;
+    QStringList ids;
+    QSet<QString> kinds;
+    for (int round = 0; round < 20; ++round) {
+        const QJsonObject data =
+            m_client->get(QString(base).arg("all") + (offset.isEmpty() ? "" : "&offset=" + offset))
+                .data();
+        for (const QJsonValue &value : data.value("items").toArray()) {
+            const QJsonObject item = value.toObject();
+            ids << item.value("id_str").toString();
+            const QJsonObject dynamic =
+                item.value("modules").toObject().value("module_dynamic").toObject();
+            const QJsonObject major = dynamic.value("major").toObject();
+            kinds.insert(major.contains("archive")     ? "video"
+                         : major.contains("live_rcmd") ? "live"
+                         : major.contains("article")   ? "article"
+                         : major.contains("draw")      ? "draw"
+                                                       : "dynamic");
+        }
+        offset = data.value("offset").toString();
+        if (!data.value("has_more").toBool())
+            break;
+    }
+    QCOMPARE(ids.size(), ZuviDemoContent::kFeedItemCount);
+    QCOMPARE(QSet<QString>(ids.begin(), ids.end()).size(), ids.size());
+    QCOMPARE(kinds, (QSet<QString>{"video", "live", "article", "draw", "dynamic"}));
+    const QJsonArray videos =
+        m_client->get(QString(base).arg("video")).data().value("items").toArray();
+    QVERIFY(!videos.isEmpty());
+    for (const QJsonValue &item : videos)
+        QVERIFY(item.toObject()
+                    .value("modules")
+                    .toObject()
+                    .value("module_dynamic")
+                    .toObject()
+                    .value("major")
+                    .toObject()
+                    .contains("archive"));
+}
+
+void TestZuviDemoService::stateSurvivesRestartWithDataDirectory()
+{
+    QTemporaryDir data;
+    auto service = makeService(5, data.path());
+    ZuviDemoTestClient client(service->port());
+    const QString cookie = signIn(client);
+    const QString csrf = ZuviAPIClient::mutableCookieDictionaryFromString(cookie).value("zuvi_jct");
+    const ZuviDemoVideo video = service->content().videos().at(17); // a copy: the service goes away
+    QCOMPARE(
+        client
+            .post("/x/v2/history/toview/add", {{"aid", QString::number(video.aid)}, {"csrf", csrf}})
+            .code(),
+        0);
+    QCOMPARE(client.post("/admin/announce", {{"text", "保存下来的消息"}}).code(), 0);
+    service.reset();
+
+    auto restarted = makeService(5, data.path());
+    ZuviDemoTestClient again(restarted->port());
+    again.setCookie(cookie);
+    QCOMPARE(again.get("/x/web-interface/nav").data().value("isLogin").toBool(), true);
+    QCOMPARE(again.get("/x/v2/history/toview/web")
+                 .data()
+                 .value("list")
+                 .toArray()
+                 .first()
+                 .toObject()
+                 .value("bvid")
+                 .toString(),
+             video.bvid);
+    QCOMPARE(again.get("/config/remote_config.json")
+                 .json()
+                 .value("message")
+                 .toObject()
+                 .value("version")
+                 .toInt(),
+             2);
+    // A device identity issued before the restart is still accepted.
+    QCOMPARE(again
+                 .post("/x/web-interface/archive/like",
+                       {{"aid", QString::number(video.aid)}, {"like", "1"}, {"csrf", csrf}})
+                 .code(),
+             0);
+}
+
+void TestZuviDemoService::failureSwitches_data()
+{
+    QTest::addColumn<QString>("mode");
+    QTest::addColumn<QString>("path");
+    QTest::newRow("service code") << "code:-412:请求过于频繁"
+                                  << "/x/web-interface/popular?pn=1&ps=20";
+    QTest::newRow("broken body") << "broken"
+                                 << "/x/web-interface/popular?pn=1&ps=20";
+    QTest::newRow("html page") << "html"
+                               << "/x/web-interface/popular?pn=1&ps=20";
+    QTest::newRow("dropped") << "drop"
+                             << "/x/web-interface/popular?pn=1&ps=20";
+    QTest::newRow("broken danmaku") << "broken"
+                                    << "/x/v1/dm/list.so?oid=1";
+}
+
+void TestZuviDemoService::failureSwitches()
+{
+    QFETCH(QString, mode);
+    QFETCH(QString, path);
+    const QString switched = QUrl(m_client->url(path)).path();
+    QCOMPARE(m_client->post("/admin/fail", {{"path", switched}, {"mode", mode}}).code(), 0);
+    const auto result = m_client->get(path);
+    if (mode.startsWith("code")) {
+        QCOMPARE(result.code(), -412);
+        QCOMPARE(result.json().value("message").toString(), QStringLiteral("请求过于频繁"));
+    } else if (mode == "broken") {
+        QCOMPARE(result.response.statusCode, 200);
+        QVERIFY(!result.response.body.isEmpty());
+        QJsonParseError error;
+        QJsonDocument::fromJson(result.response.body, &error);
+        QVERIFY(error.error != QJsonParseError::NoError);
+        QVERIFY(!result.response.body.endsWith("</i>"));
+    } else if (mode == "html") {
+        QCOMPARE(result.response.statusCode, 502);
+        QVERIFY(result.response.header("Content-Type").startsWith("text/html"));
+        QVERIFY(result.response.body.startsWith("<!DOCTYPE html>"));
+    } else {
+        QVERIFY(result.error.hasError());
+        QVERIFY(!result.response.isHTTP);
+    }
+    // Other paths are untouched; switching off restores the endpoint.
+    QCOMPARE(m_client->get("/x/web-interface/ranking/v2?rid=0&type=all").code(), 0);
+    QCOMPARE(m_client->post("/admin/fail", {{"path", switched}, {"mode", "off"}}).code(), 0);
+    QCOMPARE(m_client->get(path).response.statusCode, 200);
+}
+
+void TestZuviDemoService::slowSwitchWaitsForTheClock()
+{
+    m_service->failures().set("/x/web-interface/nav", [] {
+        ZuviDemoFailure failure;
+        failure.mode = ZuviDemoFailure::Slow;
+        failure.delayMs = 5000;
+        return failure;
+    }());
+    const auto pending = m_client->start("/x/web-interface/nav");
+    QTRY_COMPARE(m_scheduler->pendingCount(), 1);
+    m_scheduler->advance(4.9);
+    // Turn the loop without sleeping: nothing may be sent before the clock says so.
+    for (int i = 0; i < 50; ++i)
+        QCoreApplication::processEvents();
+    QVERIFY(!pending->done);
+    QCOMPARE(m_scheduler->pendingCount(), 1);
+    m_scheduler->advance(0.1);
+    QVERIFY(ZuviDemoTestClient::wait(pending));
+    QCOMPARE(pending->code(), -101);
+}
+
+void TestZuviDemoService::limitedSwitchAndAdminClear()
+{
+    QCOMPARE(m_client
+                 ->post("/admin/fail", {{"path", "/x/web-interface/search/type"},
+                                        {"mode", "code:-500"},
+                                        {"times", "1"}})
+                 .code(),
+             0);
+    const QString search = "/x/web-interface/search/type?search_type=video&keyword=AI&page=1";
+    QCOMPARE(m_client->get(search).code(), -500);
+    QCOMPARE(m_client->get(search).code(), 0);
+    QCOMPARE(m_client->post("/admin/fail", {{"path", "/x/*"}, {"mode", "drop"}}).code(), 0);
+    QVERIFY(m_client->get(search).error.hasError());
+    // Admin paths never fail, so the switches can always be cleared.
+    QCOMPARE(m_client->post("/admin/fail", {{"path", ""}, {"mode", "off"}}).code(), 0);
+    QCOMPARE(m_client->get(search).code(), 0);
+    QCOMPARE(m_client->post("/admin/fail", {{"path", "nope"}, {"mode", "drop"}}).code(), -400);
+    QCOMPARE(m_client->post("/admin/fail", {{"path", "/x/a"}, {"mode", "sideways"}}).code(), -400);
+}
+
+QTEST_GUILESS_MAIN(TestZuviDemoService)
+#include "tst_zuvidemoservice.moc"

@@ -1,0 +1,316 @@
+// Runs the built oldzuvi-cli against a loopback server and reads what it
+// prints: the JSON shapes scripts rely on, the error object and the exit
+// statuses, the login flow storing its cookie in the settings file.
+#include "platform/zuvidefaults.h"
+#include "support/zuvitesthttpserver.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QtTest>
+
+namespace {
+QByteArray json(const QJsonObject &object)
+{
+    return QJsonDocument(object).toJson(QJsonDocument::Compact);
+}
+
+const QStringList kVideoKeys{
+    "aid",          "bvid",         "cid",       "commentCountText", "coverURLString",
+    "durationText", "metadataText", "ownerName", "playCountText",    "title"};
+
+QJsonObject videoEntry()
+{
+    return QJsonObject{{"bvid", "BV1cli"},
+                       {"title", "命令行"},
+                       {"aid", 5},
+                       {"cid", 6},
+                       {"owner", QJsonObject{{"name", "UP"}}},
+                       {"stat", QJsonObject{{"view", 10}}}};
+}
+} // namespace
+
+class TestOldZuviCLI : public QObject
+{
+    Q_OBJECT
+private:
+    struct Run {
+        int exitCode = -1;
+        QByteArray out;
+        QByteArray err;
+        QJsonDocument document;
+    };
+
+    ZuviTestHttpServer m_server;
+    QTemporaryDir m_dir;
+
+    QString settingsPath() const { return m_dir.filePath("settings.ini"); }
+
+    Run run(const QStringList &arguments)
+    {
+        QProcess process;
+        process.setProgram(OLDZUVI_CLI_PATH);
+        process.setArguments(QStringList{"--endpoints", m_dir.filePath("endpoints.json"),
+                                         "--settings", settingsPath()} +
+                             arguments);
+        process.start();
+        Run result;
+        if (!process.waitForFinished(30000)) {
+            process.kill();
+            process.waitForFinished();
+            return result;
+        }
+        result.exitCode = process.exitCode();
+        result.out = process.readAllStandardOutput();
+        result.err = process.readAllStandardError();
+        result.document = QJsonDocument::fromJson(result.out);
+        return result;
+    }
+
+private slots:
+    void initTestCase();
+    void init();
+    void outputShapes_data();
+    void outputShapes();
+    void failuresPrintErrorObject_data();
+    void failuresPrintErrorObject();
+    void danmakuFileSummary();
+    void loginStoresCookieAndLogoutClears();
+};
+
+void TestOldZuviCLI::initTestCase()
+{
+    QVERIFY(m_server.start());
+    QVERIFY(m_dir.isValid());
+    const QString base = m_server.baseUrl().toString(QUrl::StripTrailingSlash);
+    QJsonObject endpoints;
+    for (const char *role : {"api", "web", "passport", "comment", "search", "space", "dynamic"})
+        endpoints.insert(role, base);
+    QFile file(m_dir.filePath("endpoints.json"));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(json(endpoints));
+}
+
+void TestOldZuviCLI::init()
+{
+    m_server.clearRequests();
+    QFile::remove(settingsPath());
+}
+
+void TestOldZuviCLI::outputShapes_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<QByteArray>("answer");
+    QTest::addColumn<QString>("query");
+    QTest::addColumn<QStringList>("keys"); // of the object, or of the first array element
+
+    const QByteArray list =
+        json({{"code", 0}, {"data", QJsonObject{{"list", QJsonArray{videoEntry()}}}}});
+    QTest::newRow("popular") << QStringList{"popular", "--page", "2", "--page-size", "5"}
+                             << "/x/web-interface/popular" << list << "pn=2&ps=5" << kVideoKeys;
+    QTest::newRow("region ranking")
+        << QStringList{"region-ranking", "--rid=3"} << "/x/web-interface/ranking/v2" << list
+        << "rid=3&type=all" << kVideoKeys;
+    QTest::newRow("search") << QStringList{"search", "--keyword", "猫", "--page", "2"}
+                            << "/x/web-interface/search/type"
+                            << json({{"code", 0},
+                                     {"data", QJsonObject{{"result", QJsonArray{videoEntry()}}}}})
+                            << "search_type=video&keyword=%E7%8C%AB&page=2" << kVideoKeys;
+    QTest::newRow("detail")
+        << QStringList{"detail", "--bvid", "BV1cli"} << "/x/web-interface/view"
+        << json(
+               {{"code", 0},
+                {"data", QJsonObject{{"bvid", "BV1cli"},
+                                     {"title", "t"},
+                                     {"pages", QJsonArray{QJsonObject{{"cid", 6}, {"page", 1}}}}}}})
+        << "bvid=BV1cli"
+        << QStringList{"aid",
+                       "bvid",
+                       "cid",
+                       "commentCountText",
+                       "coverURLString",
+                       "danmakuCountText",
+                       "desc",
+                       "metadataText",
+                       "ownerAvatarURLString",
+                       "ownerName",
+                       "pages",
+                       "playCountText",
+                       "title"};
+    QTest::newRow("playurl")
+        << QStringList{"playurl", "--bvid", "BV1cli", "--cid", "6", "--qualities", "32"}
+        << "/x/player/playurl"
+        << json({{"code", 0},
+                 {"data",
+                  QJsonObject{{"quality", 32},
+                              {"durl", QJsonArray{QJsonObject{{"url", "http://v/a.mp4"}}}}}}})
+        << "bvid=BV1cli&cid=6&qn=32&fnval=0&fnver=0&fourk=0&platform=html5&otype=json"
+        << QStringList{"quality", "url"};
+    QTest::newRow("comments")
+        << QStringList{"comments", "--aid", "5", "--bvid", "BV1cli"} << "/x/v2/reply"
+        << json({{"code", 0},
+                 {"data",
+                  QJsonObject{{"replies", QJsonArray{QJsonObject{
+                                              {"content", QJsonObject{{"message", "好"}}}}}}}}})
+        << "type=1&oid=5&pn=1&ps=20&sort=2"
+        << QStringList{"authorName", "avatarURLString", "likeCountText", "message", "timeText"};
+    QTest::newRow("following")
+        << QStringList{"following", "--offset", "77"} << "/x/polymer/web-dynamic/v1/feed/all"
+        << json({{"code", 0},
+                 {"data", QJsonObject{{"items", QJsonArray{QJsonObject{{"id_str", "1"}}}},
+                                      {"has_more", true},
+                                      {"offset", "78"}}}})
+        << "timezone_offset=-480&type=all&page=1&limit=60&page_size=60&offset=77"
+        << QStringList{"hasMore", "nextOffset", "rows"};
+    QTest::newRow("nav") << QStringList{"nav"} << "/x/web-interface/nav"
+                         << json({{"code", -101}, {"data", QJsonObject{{"isLogin", false}}}}) << ""
+                         << QStringList{"coinText",      "faceURLString", "followerText",
+                                        "followingText", "isLogin",       "levelText",
+                                        "mid",           "summaryText",   "userName",
+                                        "vipText"};
+}
+
+void TestOldZuviCLI::outputShapes()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QString, path);
+    QFETCH(QByteArray, answer);
+    QFETCH(QString, query);
+    QFETCH(QStringList, keys);
+
+    m_server.setAnswer("*", path, ZuviScriptedAnswer::json(answer));
+    const Run result = run(arguments);
+    QVERIFY2(result.exitCode == 0, result.out + result.err);
+    QCOMPARE(m_server.requestCount(path), 1);
+    QCOMPARE(m_server.requests(path).first().query, query);
+    const QJsonObject object = result.document.isArray()
+                                   ? result.document.array().first().toObject()
+                                   : result.document.object();
+    QCOMPARE(object.keys(), keys);
+    if (path == "/x/polymer/web-dynamic/v1/feed/all")
+        QCOMPARE(object.value("rows").toArray().first().toObject().value("rowType").toString(),
+                 QString("dynamic"));
+    if (arguments.first() == "popular")
+        QCOMPARE(object.value("aid").toInt(), 5);
+}
+
+void TestOldZuviCLI::failuresPrintErrorObject_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<int>("exitCode");
+    QTest::addColumn<QString>("domain");
+    QTest::addColumn<int>("code");
+    QTest::addColumn<int>("requests");
+
+    QTest::newRow("service error")
+        << QStringList{"popular"} << 1 << "ZuviAPIClientErrorDomain" << -400 << 1;
+    QTest::newRow("action checks first")
+        << QStringList{"like", "--aid", "5"} << 1 << "ZuviAPIClientErrorDomain" << 741 << 0;
+    QTest::newRow("send-danmaku ids") << QStringList{"send-danmaku", "--aid", "5", "--text", "x"}
+                                      << 1 << "ZuviAPIClientErrorDomain" << 748 << 0;
+    QTest::newRow("missing argument")
+        << QStringList{"search"} << 2 << "ZuviCLIErrorDomain" << 2 << 0;
+    QTest::newRow("option without value")
+        << QStringList{"detail", "--bvid"} << 2 << "ZuviCLIErrorDomain" << 2 << 0;
+    QTest::newRow("not a number") << QStringList{"comments", "--aid", "x5"} << 2
+                                  << "ZuviCLIErrorDomain" << 2 << 0;
+    QTest::newRow("unknown option")
+        << QStringList{"popular", "--colour", "red"} << 2 << "ZuviCLIErrorDomain" << 2 << 0;
+    QTest::newRow("unknown command") << QStringList{"dance"} << 2 << "ZuviCLIErrorDomain" << 2 << 0;
+    QTest::newRow("favorites without member")
+        << QStringList{"favorites"} << 1 << "ZuviAPIClientErrorDomain" << 720 << 0;
+}
+
+void TestOldZuviCLI::failuresPrintErrorObject()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(int, exitCode);
+    QFETCH(QString, domain);
+    QFETCH(int, code);
+    QFETCH(int, requests);
+
+    m_server.setAnswer("*", "/x/web-interface/popular",
+                       ZuviScriptedAnswer::json(json({{"code", -400}, {"message", "请求错误"}})));
+    const Run result = run(arguments);
+    QCOMPARE(result.exitCode, exitCode);
+    const QJsonObject error = result.document.object().value("error").toObject();
+    QCOMPARE(result.document.object().keys(), QStringList{"error"});
+    QCOMPARE(error.keys(), (QStringList{"code", "domain", "message"}));
+    QCOMPARE(error.value("domain").toString(), domain);
+    QCOMPARE(error.value("code").toInt(), code);
+    QVERIFY(!error.value("message").toString().isEmpty());
+    QCOMPARE(m_server.requestCount(), requests);
+}
+
+void TestOldZuviCLI::danmakuFileSummary()
+{
+    const QString path = m_dir.filePath("dm.xml");
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write("<?xml version=\"1.0\"?><i><d p=\"9.5,1,25,16777215,0,0,0,7\">后</d>"
+               "<d p=\"1.25,5,18,255\">先</d><d p=\"3,5\">中</d></i>");
+    file.close();
+
+    Run result = run({"danmaku", "--file", path, "--summary"});
+    QCOMPARE(result.exitCode, 0);
+    QCOMPARE(result.document.object(), (QJsonObject{{"count", 3},
+                                                    {"firstTime", 1.25},
+                                                    {"lastTime", 9.5},
+                                                    {"modes", QJsonObject{{"1", 1}, {"5", 2}}}}));
+
+    result = run({"danmaku", "--file", path});
+    QCOMPARE(result.exitCode, 0);
+    const QJsonArray items = result.document.array();
+    QCOMPARE(items.size(), 3);
+    QCOMPARE(items.first().toObject().keys(),
+             (QStringList{"colorRGB", "danmakuID", "fontSize", "mode", "text", "time"}));
+    QCOMPARE(items.first().toObject().value("text").toString(), QString("先"));
+    QCOMPARE(items.last().toObject().value("danmakuID").toString(), QString("7"));
+    QCOMPARE(m_server.requestCount(), 0);
+
+    result = run({"danmaku", "--file", m_dir.filePath("missing.xml")});
+    QCOMPARE(result.exitCode, 1);
+    QCOMPARE(result.document.object().value("error").toObject().value("code").toInt(), 3);
+}
+
+void TestOldZuviCLI::loginStoresCookieAndLogoutClears()
+{
+    m_server.setAnswer(
+        "GET", "/x/passport-login/web/qrcode/generate",
+        ZuviScriptedAnswer::json(json({{"code", 0},
+                                       {"data", QJsonObject{{"url", "http://login.test/scan?k=K1"},
+                                                            {"qrcode_key", "K1"}}}})));
+    ZuviScriptedAnswer success = ZuviScriptedAnswer::json(
+        json({{"code", 0}, {"data", QJsonObject{{"code", 0}, {"message", ""}}}}));
+    success.headers = {{"Set-Cookie", "SESSDATA=sess; Path=/"},
+                       {"Set-Cookie", "zuvi_jct=jct; Path=/"},
+                       {"Set-Cookie", "DedeUserID=42; Path=/"}};
+    m_server.setAnswer("GET", "/x/passport-login/web/qrcode/poll", success);
+
+    Run result = run({"login"});
+    QVERIFY2(result.exitCode == 0, result.out + result.err);
+    const QList<QByteArray> lines = result.out.trimmed().split('\n');
+    QCOMPARE(QJsonDocument::fromJson(lines.first()).object(),
+             (QJsonObject{{"url", "http://login.test/scan?k=K1"}, {"qrcodeKey", "K1"}}));
+    QCOMPARE(QJsonDocument::fromJson(result.out.mid(lines.first().size())).object(),
+             (QJsonObject{{"code", 0}, {"message", "登录成功"}, {"stored", true}}));
+    QCOMPARE(m_server.requests("/x/passport-login/web/qrcode/poll").first().query,
+             QString("qrcode_key=K1"));
+    QVERIFY(result.err.contains(QString(QChar(0x2588)).toUtf8())); // the drawn code
+    {
+        ZuviDefaults settings(settingsPath());
+        QCOMPARE(settings.stringForKey("ZuviCredentialCookie"),
+                 QString("DedeUserID=42; SESSDATA=sess; zuvi_jct=jct"));
+    }
+
+    result = run({"logout"});
+    QCOMPARE(result.exitCode, 0);
+    ZuviDefaults settings(settingsPath());
+    QVERIFY(!settings.containsKey("ZuviCredentialCookie"));
+}
+
+QTEST_MAIN(TestOldZuviCLI)
+#include "tst_oldzuvicli.moc"
