@@ -88,10 +88,12 @@ Rectangle {
             }
             Switch {
                 objectName: "danmakuSwitch"
-                text: "弹幕"
-                palette.windowText: "white"
                 checked: root.controller.danmakuEnabled
                 onToggled: root.controller.danmakuEnabled = checked
+            }
+            Label {
+                color: "white"
+                text: "弹幕"
             }
             ToolButton {
                 objectName: "fullscreenButton"

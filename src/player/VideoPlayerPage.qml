@@ -28,7 +28,7 @@ Page {
     Component.onCompleted: {
         controller.playerContainer = container
         controller.movieView = movieView
-        controller.openVideo(videoItem, sourceTitle)
+        controller.openVideo(videoItem || ({}), sourceTitle)
         controller.viewDidLoad()
         controller.viewWillAppear()
     }
