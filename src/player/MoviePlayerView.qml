@@ -35,6 +35,28 @@ Rectangle {
         fillMode: VideoOutput.PreserveAspectFit
     }
 
+    // A swipe to the right that starts at the left edge leaves fullscreen.
+    DragHandler {
+        id: edgePan
+        enabled: root.fullscreen
+        target: null
+        xAxis.enabled: true
+        yAxis.enabled: false
+        property bool fromEdge: false
+        onActiveChanged: {
+            if (active) {
+                fromEdge = centroid.pressPosition.x
+                        <= root.controller.fullscreenEdgeZoneWidth(root.width)
+                return
+            }
+            if (fromEdge)
+                root.controller.fullscreenEdgeExitPanRecognized(
+                            centroid.position.x - centroid.pressPosition.x,
+                            centroid.velocity.x)
+            fromEdge = false
+        }
+    }
+
     // Done leaves fullscreen; the player reports it as the user's exit.
     Button {
         objectName: "doneButton"

@@ -1162,6 +1162,29 @@ void ZuviVideoPlayerViewController::recoverFromFullscreenUserExitIfNeeded()
     resumeMovieAfterFullscreenExitIfNeeded();
 }
 
+void ZuviVideoPlayerViewController::fullscreenEdgeExitPanRecognized(double translationX,
+                                                                    double velocityX)
+{
+    if (!m_moviePlayer || !isPlayerFullscreen())
+        return;
+    if (translationX >= 52 || velocityX >= 260)
+        exitFullscreenPlaybackFromEdgeGesture();
+}
+
+void ZuviVideoPlayerViewController::exitFullscreenPlaybackFromEdgeGesture()
+{
+    m_movieShouldResumeAfterFullscreenExit =
+        m_moviePlayer->playbackState() == ZuviMoviePlayer::PlaybackPlaying;
+    prepareDanmakuOverlayForFullscreenExit();
+    if (m_moviePlayer->isFullscreen())
+        m_moviePlayer->setFullscreen(false, true);
+}
+
+double ZuviVideoPlayerViewController::fullscreenEdgeZoneWidth(double viewWidth)
+{
+    return std::min(58.0, std::floor(viewWidth * 0.25));
+}
+
 // MARK: - Angles
 
 double ZuviVideoPlayerViewController::normalizedAngle(double angle)

@@ -136,6 +136,12 @@ public:
     void restoreDanmakuOverlayToPlayerContainer();
     void resumeMovieAfterFullscreenExitIfNeeded();
     void recoverFromFullscreenUserExitIfNeeded();
+    // A pan from the left edge of the fullscreen picture, reported when it
+    // ends: far or fast enough to the right, it leaves fullscreen.
+    Q_INVOKABLE void fullscreenEdgeExitPanRecognized(double translationX, double velocityX);
+    void exitFullscreenPlaybackFromEdgeGesture();
+    // Width of the left-edge zone where such a pan may start.
+    Q_INVOKABLE static double fullscreenEdgeZoneWidth(double viewWidth);
     // The visible picture inside the movie view, in the container's coordinates.
     QRectF fullscreenDanmakuFrameInWindowForContainerView(QQuickItem *container) const;
 

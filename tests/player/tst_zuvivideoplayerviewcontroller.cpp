@@ -90,6 +90,8 @@ private slots:
     void previewTextsAndLocalDanmaku();
     void logPanelKeepsLastEightLines();
     void angles();
+    void edgePanLeavesFullscreen_data();
+    void edgePanLeavesFullscreen();
 
 private:
     void makeController(const ZuviVideoItem &item = listItem());
@@ -664,6 +666,36 @@ void TestVideoPlayerViewController::angles()
     c->setInterfaceRotation(kPi / 2);
     // A half turn in all reads as π before the sign flips.
     QVERIFY(std::abs(c->fullscreenDanmakuCorrectionAngleForContainerView(container) + kPi) < 1e-9);
+}
+
+void TestVideoPlayerViewController::edgePanLeavesFullscreen_data()
+{
+    QTest::addColumn<double>("translation");
+    QTest::addColumn<double>("velocity");
+    QTest::addColumn<bool>("leaves");
+    QTest::newRow("40 pt at 300 pt/s") << 40.0 << 300.0 << true;
+    QTest::newRow("40 pt at 200 pt/s") << 40.0 << 200.0 << false;
+    QTest::newRow("52 pt slowly") << 52.0 << 10.0 << true;
+    QTest::newRow("51 pt at 259 pt/s") << 51.0 << 259.0 << false;
+}
+
+void TestVideoPlayerViewController::edgePanLeavesFullscreen()
+{
+    QFETCH(double, translation);
+    QFETCH(double, velocity);
+    QFETCH(bool, leaves);
+    startPlaying();
+    auto *player = lastPlayer();
+    QVERIFY(player);
+    goFullscreen(player);
+    const int plays = player->playCount;
+    c->fullscreenEdgeExitPanRecognized(translation, velocity);
+    QCOMPARE(player->isFullscreen(), !leaves);
+    QCOMPARE(c->isDanmakuOverlayInFullscreen(), !leaves);
+    // Leaving by the edge keeps the movie playing inline.
+    QCOMPARE(player->playCount, leaves ? plays + 1 : plays);
+    QCOMPARE(Controller::fullscreenEdgeZoneWidth(320), 58.0);
+    QCOMPARE(Controller::fullscreenEdgeZoneWidth(200), 50.0);
 }
 
 QTEST_MAIN(TestVideoPlayerViewController)
