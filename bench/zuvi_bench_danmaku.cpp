@@ -1,363 +1,197 @@
-// Costs of the danmaku overlay: the engine's tick over a long dense replay
-// (with the heap allocations made in steady state), configuring one label
-// (measure and rasterise), the tick right after a seek that fills the
-// screen, and the render-thread time of a frame with a full screen of labels.
+// Cost of the danmaku path: parsing a whole document and sorting it by time,
+// against the floor of a bare expat pass over the same bytes that only counts
+// the "d" elements. Documents come from the deterministic generator, so every
+// run reads the same bytes.
 //
-//   QT_QPA_PLATFORM=offscreen build/bin/zuvi_bench_danmaku
-//   xvfb-run -a build/bin/zuvi_bench_danmaku --benchmark_filter=Frame   (GL frames)
-#include "danmaku/zuvidanmakuengine.h"
-#include "danmaku/zuvidanmakulabelpainter.h"
-#include "danmaku/zuvidanmakuoverlayview.h"
+// Besides the benchmarks, the program runs one pass over a file for whole
+// process measurements (callgrind instruction counts, peak memory):
+//   zuvi_bench_danmaku --write-document COUNT FILE
+//   zuvi_bench_danmaku --parse-file FILE      parse + sort, print the count
+//   zuvi_bench_danmaku --floor-file FILE      bare expat pass
+//   zuvi_bench_danmaku --read-file FILE       only read the file (the baseline)
+#include "model/zuvidanmakuxmlparser.h"
+#include "support/zuvidanmakudocumentgenerator.h"
 
 #include <benchmark/benchmark.h>
 
-#include <QElapsedTimer>
-#include <QGuiApplication>
-#include <QQuickWindow>
-#include <QSGRendererInterface>
-#include <QTimer>
+#include <QFile>
 
 #include <algorithm>
-#include <atomic>
-#include <chrono>
-#include <cstdlib>
-#include <random>
-#include <time.h>
-#include <vector>
-
-// --- Heap allocation counting ----------------------------------------------
-// malloc and friends are interposed for the whole process (Qt's containers
-// and operator new all end here); only the benchmark thread's calls are
-// counted, and only while it asks for it.
-extern "C" {
-void *__libc_malloc(size_t size);
-void *__libc_calloc(size_t count, size_t size);
-void *__libc_realloc(void *pointer, size_t size);
-void *__libc_memalign(size_t alignment, size_t size);
-void __libc_free(void *pointer);
-}
-
-namespace {
-thread_local bool countingAllocations = false;
-thread_local quint64 allocationCount = 0;
-
-inline void noteAllocation()
-{
-    if (countingAllocations)
-        ++allocationCount;
-}
-} // namespace
-
-extern "C" {
-void *malloc(size_t size)
-{
-    noteAllocation();
-    return __libc_malloc(size);
-}
-void *calloc(size_t count, size_t size)
-{
-    noteAllocation();
-    return __libc_calloc(count, size);
-}
-void *realloc(void *pointer, size_t size)
-{
-    noteAllocation();
-    return __libc_realloc(pointer, size);
-}
-void *aligned_alloc(size_t alignment, size_t size)
-{
-    noteAllocation();
-    return __libc_memalign(alignment, size);
-}
-int posix_memalign(void **out, size_t alignment, size_t size)
-{
-    noteAllocation();
-    *out = __libc_memalign(alignment, size);
-    return *out ? 0 : 12; // ENOMEM
-}
-void free(void *pointer)
-{
-    __libc_free(pointer);
-}
-}
+#include <cstdio>
+#include <cstring>
+#include <expat.h>
+#include <map>
 
 namespace {
 
-// --- A dense document ----------------------------------------------------
+constexpr int kChunkSize = 64 * 1024;
 
-const QStringList &sampleTexts()
+const QByteArray &documentWithCount(int count)
 {
-    static const QStringList texts = {
-        QStringLiteral("前方高能"),
-        QStringLiteral("哈哈哈哈哈哈"),
-        QStringLiteral("awsl"),
-        QStringLiteral("这个转场太丝滑了吧"),
-        QStringLiteral("第一次看到这么好看的画面，收藏了"),
-        QStringLiteral("2333"),
-        QStringLiteral("来了来了"),
-        QStringLiteral("good job"),
-        QStringLiteral("空降成功"),
-        QStringLiteral("弹幕护体"),
-        QStringLiteral("up主辛苦了，每一帧都是壁纸"),
-        QStringLiteral("what a shot, seriously"),
-        QStringLiteral("？？？"),
-        QStringLiteral("名场面"),
-        QStringLiteral("bgm是什么，求告知"),
-        QStringLiteral("这一段我能看一百遍，真的一百遍，不骗你"),
-    };
-    return texts;
+    static std::map<int, QByteArray> documents;
+    auto found = documents.find(count);
+    if (found == documents.end())
+        found = documents.emplace(count, ZuviDanmakuDocumentGenerator().document(count)).first;
+    return found->second;
 }
 
-// count items spread over seconds: mostly scrolling, some top and bottom,
-// a few of the never-drawn modes; sorted by time.
-QList<ZuviDanmakuItem> denseDocument(int count, double seconds)
+// The floor: expat tokenizes everything, one handler counts start tags.
+Q_NEVER_INLINE qsizetype countElementsWithBareExpat(const QByteArray &data)
 {
-    std::mt19937 random(20261122);
-    std::uniform_real_distribution<double> time(0, seconds);
-    std::uniform_int_distribution<int> percent(0, 99);
-    const QStringList &texts = sampleTexts();
-    QList<ZuviDanmakuItem> items;
-    items.reserve(count);
-    for (int i = 0; i < count; ++i) {
-        ZuviDanmakuItem item;
-        item.text = texts.at(int(random() % quint32(texts.size())));
-        item.time = time(random);
-        const int roll = percent(random);
-        item.mode = roll < 78 ? 1 : roll < 87 ? 5 : roll < 96 ? 4 : roll < 98 ? 7 : 8;
-        item.fontSize = float(13 + random() % 8);
-        item.colorRGB = percent(random) < 70 ? 0xFFFFFF : random() % 0x1000000;
-        items.append(item);
+    qsizetype count = 0;
+    XML_Parser parser = XML_ParserCreate(nullptr);
+    XML_SetUserData(parser, &count);
+    XML_SetStartElementHandler(parser, [](void *userData, const char *name, const char **) {
+        if (name[0] == 'd' && name[1] == '\0')
+            ++*static_cast<qsizetype *>(userData);
+    });
+    const char *p = data.constData();
+    qsizetype remaining = data.size();
+    bool finished = false;
+    while (!finished) {
+        const int length = int(std::min<qsizetype>(remaining, kChunkSize));
+        finished = length == remaining;
+        if (XML_Parse(parser, p, length, finished) == XML_STATUS_ERROR)
+            break;
+        p += length;
+        remaining -= length;
     }
-    std::sort(items.begin(), items.end(),
-              [](const ZuviDanmakuItem &a, const ZuviDanmakuItem &b) { return a.time < b.time; });
+    XML_ParserFree(parser);
+    return count;
+}
+
+Q_NEVER_INLINE QList<ZuviDanmakuItem> parseAndSort(const QByteArray &data)
+{
+    ZuviDanmakuXMLParser parser;
+    parser.parse(data);
+    QList<ZuviDanmakuItem> items = parser.takeItems();
+    ZuviDanmakuXMLParser::sortByTime(items);
     return items;
 }
 
-quint32 xorshift(quint32 bound)
+void setCounters(benchmark::State &state, const QByteArray &document)
 {
-    static quint32 state = 2463534242u;
-    state ^= state << 13;
-    state ^= state >> 17;
-    state ^= state << 5;
-    return state % bound;
-}
-
-// A measurement stand-in of the right shape, so that the tick's own logic is
-// what the replay measures (measuring text is a configuration cost, below).
-QSizeF approximateSize(const QString &text, qreal fontSize)
-{
-    return QSizeF(0.95 * fontSize * text.size(), 1.2 * fontSize);
-}
-
-double threadCpuSeconds()
-{
-    timespec now{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
-    return double(now.tv_sec) + double(now.tv_nsec) * 1e-9;
-}
-
-double percentile(std::vector<double> values, double fraction)
-{
-    std::sort(values.begin(), values.end());
-    return values[std::min(values.size() - 1, size_t(fraction * double(values.size())))];
+    state.SetItemsProcessed(state.iterations() * state.range(0));
+    state.SetBytesProcessed(state.iterations() * document.size());
 }
 
 } // namespace
 
-// 100 000 items over 20 minutes, replayed at 60 ticks per second on a
-// 1920×1080 pad overlay; flights run on a flight clock moved with playback.
-static void BM_DanmakuReplayTick(benchmark::State &state)
+static void BM_DanmakuParseAndSort(benchmark::State &state)
 {
-    const QList<ZuviDanmakuItem> items = denseDocument(100000, 1200);
-    const int ticks = 1200 * 60;
-    const int warmUp = 30 * 60; // the pool fills in the first seconds
-    std::vector<double> costs(static_cast<size_t>(ticks));
-    quint64 steadyAllocations = 0;
-    ZuviDanmakuEngine::Counters counters;
+    const QByteArray &document = documentWithCount(int(state.range(0)));
     for (auto _ : state) {
-        double wall = 1000;
-        ZuviDanmakuEngine engine(
-            ZuviIdiom::Pad, [&wall] { return wall; }, xorshift, approximateSize);
-        engine.setViewSize(QSizeF(1920, 1080));
-        engine.setDanmakuItems(items);
-        allocationCount = 0;
-        for (int tick = 0; tick < ticks; ++tick) {
-            const double t = tick / 60.0;
-            countingAllocations = tick >= warmUp;
-            const auto start = std::chrono::steady_clock::now();
-            engine.tickAtPlaybackTime(t, true);
-            const auto end = std::chrono::steady_clock::now();
-            countingAllocations = false;
-            costs[size_t(tick)] = std::chrono::duration<double, std::nano>(end - start).count();
-            wall += 1.0 / 60;
-        }
-        steadyAllocations = allocationCount;
-        counters = engine.counters();
+        QList<ZuviDanmakuItem> items = parseAndSort(document);
+        benchmark::DoNotOptimize(items.constData());
+        // Freeing the result is the overlay's business, long after parsing.
+        state.PauseTiming();
+        items = {};
+        state.ResumeTiming();
     }
-    double total = 0;
-    for (double cost : costs)
-        total += cost;
-    state.counters["tick_mean_ns"] = total / ticks;
-    state.counters["tick_median_ns"] = percentile(costs, 0.5);
-    state.counters["tick_p99_ns"] = percentile(costs, 0.99);
-    state.counters["tick_max_ns"] = percentile(costs, 1.0);
-    state.counters["steady_allocs"] = double(steadyAllocations);
-    state.counters["launched"] = double(counters.launched);
-    state.counters["dropped_cap"] = double(counters.droppedByCap);
-    state.counters["dropped_lane"] = double(counters.droppedNoLane);
-    state.counters["late"] = double(counters.late);
-    state.counters["never_drawn"] = double(counters.hidden);
+    setCounters(state, document);
 }
-BENCHMARK(BM_DanmakuReplayTick)->Unit(benchmark::kMillisecond)->Iterations(3);
+BENCHMARK(BM_DanmakuParseAndSort)
+    ->Arg(1000)
+    ->Arg(10000)
+    ->Arg(100000)
+    ->Unit(benchmark::kMicrosecond);
 
-// Measuring and rasterising one label, as every launch does.
-static void BM_DanmakuConfigureLabel(benchmark::State &state)
+static void BM_DanmakuBareExpatFloor(benchmark::State &state)
 {
-    const QStringList &texts = sampleTexts();
-    ZuviDanmakuEngine engine(ZuviIdiom::Pad, {}, xorshift);
-    ZuviDanmakuLabel label;
-    label.color = 0xFFFFFFFF;
-    int next = 0;
-    for (auto _ : state) {
-        label.text = texts.at(next % texts.size());
-        label.fontSize = 13 + next % 8;
-        ++next;
-        label.size = engine.sizeForLabel(label, 0.86 * 1920);
-        label.image = ZuviDanmakuLabelPainter::rasterise(label, 1.0);
-        benchmark::DoNotOptimize(label.image.constBits());
-    }
+    const QByteArray &document = documentWithCount(int(state.range(0)));
+    for (auto _ : state)
+        benchmark::DoNotOptimize(countElementsWithBareExpat(document));
+    setCounters(state, document);
 }
-BENCHMARK(BM_DanmakuConfigureLabel)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_DanmakuBareExpatFloor)
+    ->Arg(1000)
+    ->Arg(10000)
+    ->Arg(100000)
+    ->Unit(benchmark::kMicrosecond);
 
-// The tick right after a seek: the screen is cleared and the items of the
-// look-back and look-ahead fill every free lane, each label measured and
-// rasterised as in the running overlay. Timed in thread CPU time, so that
-// other processes on a shared machine do not count; wall time is reported
-// beside it.
-static void BM_DanmakuSeekTick(benchmark::State &state)
+// The two halves of the path on their own, to see where time goes.
+static void BM_DanmakuParseOnly(benchmark::State &state)
 {
-    const QList<ZuviDanmakuItem> items = denseDocument(100000, 1200);
-    ZuviDanmakuEngine engine(ZuviIdiom::Pad, {}, xorshift);
-    engine.setLabelConfiguredHook([](ZuviDanmakuLabel &label) {
-        label.image = ZuviDanmakuLabelPainter::rasterise(label, 1.0);
-    });
-    engine.setViewSize(QSizeF(1920, 1080));
-    engine.setDanmakuItems(items);
-    double worstCpu = 0;
-    double worstWarmCpu = 0; // after the first seek, which also fills the font caches
-    double worstWall = 0;
-    double totalCpu = 0;
-    quint64 launchedTotal = 0;
-    int seeks = 0;
+    const QByteArray &document = documentWithCount(int(state.range(0)));
     for (auto _ : state) {
-        const double target = 30 + (seeks * 37) % 1100; // far from the previous position
-        const quint64 before = engine.counters().launched;
-        const double cpuStart = threadCpuSeconds();
-        const auto wallStart = std::chrono::steady_clock::now();
-        engine.tickAtPlaybackTime(target, true);
-        const auto wallEnd = std::chrono::steady_clock::now();
-        const double cpu = threadCpuSeconds() - cpuStart;
-        state.SetIterationTime(cpu);
-        worstCpu = std::max(worstCpu, cpu);
-        if (seeks > 0)
-            worstWarmCpu = std::max(worstWarmCpu, cpu);
-        worstWall = std::max(worstWall, std::chrono::duration<double>(wallEnd - wallStart).count());
-        totalCpu += cpu;
-        launchedTotal += engine.counters().launched - before;
-        ++seeks;
+        ZuviDanmakuXMLParser parser;
+        parser.parse(document);
+        benchmark::DoNotOptimize(parser.items().constData());
+        state.PauseTiming();
+        parser.takeItems();
+        state.ResumeTiming();
     }
-    state.counters["worst_cpu_ms"] = worstCpu * 1e3;
-    state.counters["worst_warm_cpu_ms"] = worstWarmCpu * 1e3;
-    state.counters["worst_wall_ms"] = worstWall * 1e3;
-    state.counters["mean_cpu_ms"] = totalCpu / seeks * 1e3;
-    state.counters["labels_per_seek"] = double(launchedTotal) / seeks;
+    setCounters(state, document);
 }
-BENCHMARK(BM_DanmakuSeekTick)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(200);
+BENCHMARK(BM_DanmakuParseOnly)->Arg(100000)->Unit(benchmark::kMicrosecond);
 
-// Render-thread time of real frames (sync + render, before the swap) of a
-// 1920×1080 window holding only the overlay, counted over frames that show
-// exactly the given number of labels: 42 (the pad cap, reached a few seconds
-// into a dense stream) or 0 (the same window's frame without danmaku, the
-// baseline). The window is repainted at 60 Hz either way; runs a real event
-// loop for some seconds.
-static void BM_DanmakuFrame(benchmark::State &state)
+static void BM_DanmakuSortOnly(benchmark::State &state)
 {
-    const int wanted = int(state.range(0));
-    const QList<ZuviDanmakuItem> items =
-        wanted > 0 ? denseDocument(20000, 240) : QList<ZuviDanmakuItem>();
-    QQuickWindow window;
-    window.setColor(Qt::black);
-    window.resize(1920, 1080);
-    ZuviDanmakuOverlayView overlay(window.contentItem());
-    overlay.setSize(QSizeF(1920, 1080));
-    overlay.setPadIdiom(true);
-    overlay.setDanmakuItems(items);
-
-    std::vector<double> fullFrames;
-    fullFrames.reserve(4096);
-    std::atomic<int> visibleAtSync{0};
-    std::chrono::steady_clock::time_point syncStart;
-    QObject::connect(
-        &window, &QQuickWindow::beforeSynchronizing, &window,
-        [&] {
-            syncStart = std::chrono::steady_clock::now();
-            visibleAtSync = overlay.visibleCount();
-        },
-        Qt::DirectConnection);
-    QObject::connect(
-        &window, &QQuickWindow::afterRendering, &window,
-        [&] {
-            const auto end = std::chrono::steady_clock::now();
-            if (visibleAtSync == wanted)
-                fullFrames.push_back(
-                    std::chrono::duration<double, std::micro>(end - syncStart).count());
-        },
-        Qt::DirectConnection);
-
-    QElapsedTimer playback;
-    QTimer ticks;
-    ticks.setInterval(120);
-    QObject::connect(&ticks, &QTimer::timeout, &overlay, [&] {
-        overlay.tickAtPlaybackTime(20 + playback.nsecsElapsed() * 1e-9, true);
-    });
-    QTimer repaint;
-    repaint.setInterval(16);
-    QObject::connect(&repaint, &QTimer::timeout, &window, &QQuickWindow::update);
-    window.show();
-    playback.start();
-    overlay.tickAtPlaybackTime(20, true);
-    ticks.start();
-    repaint.start();
-
+    const QByteArray &document = documentWithCount(int(state.range(0)));
+    ZuviDanmakuXMLParser parser;
+    parser.parse(document);
     for (auto _ : state) {
-        QEventLoop loop;
-        QTimer::singleShot(wanted > 0 ? 15000 : 4000, &loop, &QEventLoop::quit);
-        loop.exec();
+        state.PauseTiming();
+        QList<ZuviDanmakuItem> items = parser.items();
+        items.detach();
+        state.ResumeTiming();
+        ZuviDanmakuXMLParser::sortByTime(items);
+        benchmark::DoNotOptimize(items.constData());
     }
-    if (fullFrames.empty()) {
-        state.SkipWithError("no frame showed the wanted number of labels");
-        return;
-    }
-    double total = 0;
-    for (double cost : fullFrames)
-        total += cost;
-    state.counters["frames"] = double(fullFrames.size());
-    state.counters["frame_mean_us"] = total / double(fullFrames.size());
-    state.counters["frame_median_us"] = percentile(fullFrames, 0.5);
-    state.counters["frame_p99_us"] = percentile(fullFrames, 0.99);
-    state.SetLabel(QSGRendererInterface::GraphicsApi(window.rendererInterface()->graphicsApi()) ==
-                           QSGRendererInterface::Software
-                       ? "software"
-                       : "hardware api");
+    setCounters(state, document);
 }
-BENCHMARK(BM_DanmakuFrame)->Arg(0)->Arg(42)->Unit(benchmark::kMillisecond)->Iterations(1);
+BENCHMARK(BM_DanmakuSortOnly)->Arg(100000)->Unit(benchmark::kMicrosecond);
+
+namespace {
+
+QByteArray readFile(const char *path)
+{
+    QFile file(QString::fromLocal8Bit(path));
+    if (!file.open(QIODevice::ReadOnly)) {
+        std::fprintf(stderr, "cannot read %s\n", path);
+        std::exit(2);
+    }
+    return file.readAll();
+}
+
+// One pass over a file for whole-process measurements; -1 when not asked.
+int runFileMode(int argc, char **argv)
+{
+    if (argc == 4 && std::strcmp(argv[1], "--write-document") == 0) {
+        QFile file(QString::fromLocal8Bit(argv[3]));
+        if (!file.open(QIODevice::WriteOnly))
+            return 2;
+        file.write(ZuviDanmakuDocumentGenerator().document(std::atoi(argv[2])));
+        return 0;
+    }
+    if (argc != 3)
+        return -1;
+    if (std::strcmp(argv[1], "--read-file") == 0) {
+        std::printf("%lld bytes\n", static_cast<long long>(readFile(argv[2]).size()));
+        return 0;
+    }
+    if (std::strcmp(argv[1], "--floor-file") == 0) {
+        std::printf("%lld elements\n",
+                    static_cast<long long>(countElementsWithBareExpat(readFile(argv[2]))));
+        return 0;
+    }
+    if (std::strcmp(argv[1], "--parse-file") == 0) {
+        const QList<ZuviDanmakuItem> items = parseAndSort(readFile(argv[2]));
+        std::printf("%lld items\n", static_cast<long long>(items.size()));
+        return 0;
+    }
+    return -1;
+}
+
+} // namespace
 
 int main(int argc, char **argv)
 {
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") && qEnvironmentVariableIsEmpty("DISPLAY"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-    QGuiApplication app(argc, argv);
+    if (const int status = runFileMode(argc, argv); status >= 0)
+        return status;
     benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv))
+        return 1;
     benchmark::RunSpecifiedBenchmarks();
     benchmark::Shutdown();
     return 0;

@@ -33,4 +33,7 @@ struct ZuviDanmakuItem {
     static void readParameterBytes(ZuviDanmakuItem &item, QByteArrayView parameterBytes);
 };
 
+// Moving an item in memory is a plain copy of its bytes, which lets a growing
+// list reallocate in place instead of moving every item.
+Q_DECLARE_TYPEINFO(ZuviDanmakuItem, Q_RELOCATABLE_TYPE);
 Q_DECLARE_METATYPE(ZuviDanmakuItem)

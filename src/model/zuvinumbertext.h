@@ -3,8 +3,6 @@
 #include <QByteArrayView>
 #include <QStringView>
 
-#include <cstdint>
-
 // Reads the leading number of a text the way the service's values are read
 // everywhere: leading blanks are skipped, an optional sign is taken, and
 // reading stops at the first character that cannot continue the number
@@ -14,6 +12,8 @@
 //
 // The byte forms are the danmaku parser's hot path: plain digit loops with a
 // correctly rounded fast path for short decimals, no allocation, no locale.
+// Their pointer forms also report where reading stopped, so a caller walking
+// a comma-separated list need not search for the next comma again.
 class ZuviNumberText
 {
 public:
@@ -26,4 +26,8 @@ public:
     // Base 10, unsigned: a minus sign negates in unsigned arithmetic (so "-1"
     // is the largest value), and a value past 64 bits saturates.
     static quint64 unsignedValue(QByteArrayView text);
+
+    static qint32 intValue(const char *begin, const char *end, const char **stop);
+    static double doubleValue(const char *begin, const char *end, const char **stop);
+    static quint64 unsignedValue(const char *begin, const char *end, const char **stop);
 };

@@ -15,6 +15,7 @@
 #include <QDateTime>
 #include <QJsonDocument>
 #include <QNetworkCookie>
+#include <QPointer>
 
 #include <cmath>
 #include <cstdlib>
@@ -672,11 +673,15 @@ void ZuviAPIClient::handleSearchFailure(const QString &keyword, int page, int re
 void ZuviAPIClient::retrySearchVideosWithKeyword(const QString &keyword, int page, int retryCount,
                                                  VideosCompletion completion)
 {
-    // The delay runs on the main thread's scheduler, like every other timer.
-    ZuviMainQueue::post([this, keyword, page, retryCount, completion] {
-        m_scheduler->callAfter(
-            this, kSearchRetryCallName, 0.6, [this, keyword, page, retryCount, completion] {
-                fetchSearchVideosWithKeyword(keyword, page, retryCount, completion);
+    // The delay runs on the main thread's scheduler, like every other timer;
+    // the scheduler drops the call if the client goes away first.
+    QPointer<ZuviAPIClient> self(this);
+    ZuviMainQueue::post([self, keyword, page, retryCount, completion] {
+        if (!self)
+            return;
+        self->m_scheduler->callAfter(
+            self, kSearchRetryCallName, 0.6, [self, keyword, page, retryCount, completion] {
+                self->fetchSearchVideosWithKeyword(keyword, page, retryCount, completion);
             });
     });
 }

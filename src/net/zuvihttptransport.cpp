@@ -1,5 +1,6 @@
 #include "zuvihttptransport.h"
 
+#include <QAbstractNetworkCache>
 #include <QBuffer>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
@@ -15,7 +16,7 @@ QNetworkRequest networkRequestFrom(const ZuviURLRequest &request)
         networkRequest.setRawHeader(header.first, header.second);
     networkRequest.setAttribute(QNetworkRequest::CacheLoadControlAttribute,
                                 QNetworkRequest::AlwaysNetwork);
-    networkRequest.setAttribute(QNetworkRequest::CacheSaveControlAttribute, false);
+    networkRequest.setAttribute(QNetworkRequest::CacheSaveControlAttribute, request.allowsCache);
     networkRequest.setAttribute(QNetworkRequest::CookieLoadControlAttribute,
                                 QNetworkRequest::Manual);
     networkRequest.setAttribute(QNetworkRequest::CookieSaveControlAttribute,
@@ -74,9 +75,41 @@ void ZuviHTTPTransport::send(const ZuviURLRequest &request, Handler handler)
         Qt::QueuedConnection);
 }
 
+void ZuviHTTPTransport::setCache(QAbstractNetworkCache *cache)
+{
+    // The cache is used by the manager on the network thread, so it must live there.
+    if (cache) {
+        cache->setParent(nullptr);
+        cache->moveToThread(&m_thread);
+    }
+    QMetaObject::invokeMethod(
+        this, [this, cache] { m_manager->setCache(cache); }, Qt::BlockingQueuedConnection);
+}
+
+void ZuviHTTPTransport::clearCache()
+{
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+            if (QAbstractNetworkCache *cache = m_manager->cache())
+                cache->clear();
+        },
+        Qt::BlockingQueuedConnection);
+}
+
 void ZuviHTTPTransport::sendOnNetworkThread(const ZuviURLRequest &request, const Handler &handler)
 {
-    const QNetworkRequest networkRequest = networkRequestFrom(request);
+    QNetworkRequest networkRequest = networkRequestFrom(request);
+    if (request.allowsCache) {
+        // A stored answer is used whatever its age; only when there is none
+        // does the request go out (and its answer gets stored). Qt's own
+        // freshness rules would revalidate instead.
+        QAbstractNetworkCache *cache = m_manager->cache();
+        const bool stored = cache && cache->metaData(request.url).isValid();
+        networkRequest.setAttribute(QNetworkRequest::CacheLoadControlAttribute,
+                                    stored ? QNetworkRequest::AlwaysCache
+                                           : QNetworkRequest::PreferNetwork);
+    }
     QNetworkReply *reply = nullptr;
     if (request.method == "GET")
         reply = m_manager->get(networkRequest);
@@ -91,6 +124,12 @@ void ZuviHTTPTransport::sendOnNetworkThread(const ZuviURLRequest &request, const
         ZuviHTTPResponse response;
         response.url = reply->url();
         const QVariant status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute);
+        if (!status.isValid() && reply->error() == QNetworkReply::NoError) {
+            // A complete answer of another scheme: a response, but not an HTTP one.
+            response.body = reply->readAll();
+            handler(response, ZuviError());
+            return;
+        }
         if (!status.isValid() || isTransportFailure(reply->error())) {
             handler(response, connectionError(reply, timeoutMs));
             return;

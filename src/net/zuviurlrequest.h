@@ -15,6 +15,10 @@ struct ZuviURLRequest {
     ZuviHeaderPairs headers;
     QByteArray body;
     int timeoutMs = 20000;
+    // Pictures may be answered from the transport's URL cache (whatever the
+    // age of the stored answer) and are stored there; everything else always
+    // goes to the network and is never stored.
+    bool allowsCache = false;
 
     // Replaces the value of an existing header in place, or appends it.
     void setHeader(const QByteArray &name, const QByteArray &value);

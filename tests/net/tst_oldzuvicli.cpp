@@ -78,6 +78,7 @@ private slots:
     void failuresPrintErrorObject();
     void danmakuFileSummary();
     void loginStoresCookieAndLogoutClears();
+    void developerModeTracesDanmakuSources();
 };
 
 void TestOldZuviCLI::initTestCase()
@@ -310,6 +311,23 @@ void TestOldZuviCLI::loginStoresCookieAndLogoutClears()
     QCOMPARE(result.exitCode, 0);
     ZuviDefaults settings(settingsPath());
     QVERIFY(!settings.containsKey("ZuviCredentialCookie"));
+}
+
+void TestOldZuviCLI::developerModeTracesDanmakuSources()
+{
+    m_server.setAnswer("GET", "/x/v1/dm/list.so",
+                       ZuviScriptedAnswer::text("<i><d p=\"1,1\">x</d></i>", "text/xml"));
+    const Run traced = run({"--developer-mode", "danmaku", "--cid", "77"});
+    QCOMPARE(traced.exitCode, 0);
+    QVERIFY2(traced.err.contains("[弹幕接口] GET x/v1/dm/list.so oid=77\n"), traced.err);
+    QVERIFY(traced.err.contains("[弹幕接口] 主接口"));
+    // Forced for the run only: the stored preference stays off.
+    ZuviDefaults settings(settingsPath());
+    QVERIFY(!settings.boolForKey("ZuviDeveloperModeEnabled"));
+
+    const Run quiet = run({"danmaku", "--cid", "77"});
+    QCOMPARE(quiet.exitCode, 0);
+    QVERIFY(!quiet.err.contains("弹幕接口"));
 }
 
 QTEST_MAIN(TestOldZuviCLI)

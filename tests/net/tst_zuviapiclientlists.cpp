@@ -60,6 +60,7 @@ private slots:
     void favorites_data();
     void favorites();
     void connectionErrorPassesThrough();
+    void cookieOnlyWhenStored();
     void developerModeRecordsFailures_data();
     void developerModeRecordsFailures();
 };
@@ -397,6 +398,23 @@ void TestZuviAPIClientLists::connectionErrorPassesThrough()
     QVERIFY(outcome.error.hasError());
     QVERIFY(outcome.error.domain != QLatin1String(ZuviAPIClient::kErrorDomain));
     QVERIFY(outcome.videos.isEmpty());
+}
+
+void TestZuviAPIClientLists::cookieOnlyWhenStored()
+{
+    ZuviClientTestFixture f;
+    f.answerJson("/x/web-interface/popular", listAnswer());
+    Outcome outcome;
+    f.client->fetchPopularPage(1, 1, recorder(&outcome));
+    ZUVI_WAIT(outcome.calls == 1);
+    QVERIFY(!f.server.requests().first().hasHeader("Cookie"));
+
+    // Logging out removes it from the next request.
+    f.client->updateCredentialCookie("SESSDATA=s");
+    f.client->clearCredentialCookie();
+    f.client->fetchPopularPage(1, 1, recorder(&outcome));
+    ZUVI_WAIT(outcome.calls == 2);
+    QVERIFY(!f.server.requests().last().hasHeader("Cookie"));
 }
 
 void TestZuviAPIClientLists::developerModeRecordsFailures_data()

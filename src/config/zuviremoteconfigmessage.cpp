@@ -1,0 +1,92 @@
+#include "zuviremoteconfigmessage.h"
+
+#include <QJsonObject>
+
+#include <cmath>
+#include <limits>
+
+namespace {
+// Leading white space, an optional sign and the digits that follow; no digits give 0.
+qint64 leadingInteger(const QString &text)
+{
+    int i = 0;
+    while (i < text.size() && text.at(i).isSpace())
+        ++i;
+    bool negative = false;
+    if (i < text.size() && (text.at(i) == '-' || text.at(i) == '+')) {
+        negative = text.at(i) == '-';
+        ++i;
+    }
+    qint64 value = 0;
+    for (; i < text.size() && text.at(i).isDigit() && text.at(i).unicode() < 128; ++i) {
+        if (value > (std::numeric_limits<qint64>::max() - 9) / 10)
+            return negative ? std::numeric_limits<qint64>::min()
+                            : std::numeric_limits<qint64>::max();
+        value = value * 10 + (text.at(i).unicode() - '0');
+    }
+    return negative ? -value : value;
+}
+} // namespace
+
+std::optional<qint64> ZuviRemoteConfigMessage::integerValueFromObject(const QJsonValue &value)
+{
+    switch (value.type()) {
+    case QJsonValue::Double: {
+        const double number = std::trunc(value.toDouble());
+        if (!std::isfinite(number))
+            return std::nullopt;
+        return static_cast<qint64>(number);
+    }
+    case QJsonValue::String:
+        return leadingInteger(value.toString());
+    case QJsonValue::Bool:
+        return value.toBool() ? 1 : 0;
+    default:
+        return std::nullopt;
+    }
+}
+
+QString ZuviRemoteConfigMessage::stringValueFromObject(const QJsonValue &value)
+{
+    switch (value.type()) {
+    case QJsonValue::String:
+        return value.toString().trimmed();
+    case QJsonValue::Double: {
+        const double number = value.toDouble();
+        if (number == std::trunc(number) && std::fabs(number) < 1e15)
+            return QString::number(static_cast<qint64>(number));
+        return QString::number(number, 'g', 17);
+    }
+    case QJsonValue::Bool:
+        return value.toBool() ? QStringLiteral("1") : QStringLiteral("0");
+    default:
+        return QString();
+    }
+}
+
+std::optional<ZuviRemoteConfigMessage>
+ZuviRemoteConfigMessage::messageWithDictionary(const QJsonValue &value)
+{
+    if (!value.isObject())
+        return std::nullopt;
+    const QJsonObject dictionary = value.toObject();
+    const std::optional<qint64> version = integerValueFromObject(dictionary.value("version"));
+    if (!version || *version < 1)
+        return std::nullopt;
+    ZuviRemoteConfigMessage message;
+    message.version = *version;
+    message.imageURLString = stringValueFromObject(dictionary.value("image"));
+    message.text = stringValueFromObject(dictionary.value("text"));
+    return message;
+}
+
+std::optional<ZuviRemoteConfigMessage>
+ZuviRemoteConfigMessage::messageWithDictionary(const QVariant &value)
+{
+    return messageWithDictionary(QJsonValue::fromVariant(value));
+}
+
+QVariantMap ZuviRemoteConfigMessage::dictionaryRepresentation() const
+{
+    return {{"version", version}, {"image", imageURLString}, {"text", text}};
+}

@@ -1,0 +1,131 @@
+#include "app/zuvidebuglog.h"
+#include "images/zuviimageloader.h"
+#include "images/zuviimageprovider.h"
+#include "platform/zuvinotificationcenter.h"
+#include "zuvitesthttpserver.h"
+#include "zuvitestsupport.h"
+
+#include <QBuffer>
+#include <QQmlComponent>
+#include <QQmlEngine>
+#include <QQuickItem>
+#include <QtTest>
+
+namespace {
+ZuviScriptedAnswer pngAnswer(int width, int height)
+{
+    QImage image(width, height, QImage::Format_RGB32);
+    image.fill(Qt::blue);
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    image.save(&buffer, "PNG");
+    return ZuviScriptedAnswer::text(bytes, "image/png");
+}
+} // namespace
+
+// QML Image elements load through the provider and so get the loader's rules.
+class TestZuviImageProvider : public QObject
+{
+    Q_OBJECT
+private slots:
+    void init();
+    void cleanup();
+    void imageSources_data();
+    void imageSources();
+
+private:
+    std::unique_ptr<ZuviTestHttpServer> m_server;
+    std::unique_ptr<ZuviScratchDefaults> m_defaults;
+    std::unique_ptr<ZuviNotificationCenter> m_center;
+    std::unique_ptr<ZuviDebugLog> m_log;
+    std::unique_ptr<ZuviImageLoader> m_loader;
+};
+
+void TestZuviImageProvider::init()
+{
+    m_server = std::make_unique<ZuviTestHttpServer>();
+    QVERIFY(m_server->start());
+    m_defaults = std::make_unique<ZuviScratchDefaults>();
+    m_center = std::make_unique<ZuviNotificationCenter>();
+    m_log = std::make_unique<ZuviDebugLog>(m_defaults->get(), m_center.get());
+    m_loader = std::make_unique<ZuviImageLoader>(
+        m_log.get(), ZuviEndpoints::allOn(m_server->baseUrl()), nullptr);
+    m_server->setAnswer("GET", "/v/a%20b.png@320w_180h_1c_80q.jpg", pngAnswer(32, 18));
+    m_server->setAnswer("GET", "/v/a%20b.png@160w_90h_1c_60q.jpg", pngAnswer(16, 9));
+    m_server->setAnswer("GET", "/v/a%20b.png@50w_40h_1c_70q.jpg", pngAnswer(5, 4));
+    m_server->setAnswer("GET", "/v/full.png", pngAnswer(64, 36));
+}
+
+void TestZuviImageProvider::cleanup()
+{
+    m_loader.reset();
+    m_log.reset();
+    m_center.reset();
+    m_defaults.reset();
+    m_server.reset();
+}
+
+void TestZuviImageProvider::imageSources_data()
+{
+    QTest::addColumn<QString>("source");     // "%1" stands for the server's base URL
+    QTest::addColumn<QSize>("expectedSize"); // invalid when the load must fail
+    QTest::addColumn<QStringList>("fetchedPaths");
+    QTest::addColumn<QString>("cacheKey");
+
+    const QString address = "%1/v/a b.png";
+    QTest::newRow("normal") << ZuviImageProvider::sourceURL("normal", address) << QSize(32, 18)
+                            << QStringList{"/v/a%20b.png@320w_180h_1c_80q.jpg"} << "%1/v/a%20b.png";
+    QTest::newRow("low") << ZuviImageProvider::sourceURL("low", address) << QSize(16, 9)
+                         << QStringList{"/v/a%20b.png@160w_90h_1c_60q.jpg"} << "%1/v/a%20b.png#low";
+    QTest::newRow("thumb of a chosen size")
+        << ZuviImageProvider::thumbnailSourceURL(address, 50, 40, 70, address) << QSize(5, 4)
+        << QStringList{"/v/a%20b.png@50w_40h_1c_70q.jpg"} << "%1/v/a%20b.png#50x40q70";
+    QTest::newRow("thumb falls back to another picture")
+        << ZuviImageProvider::thumbnailSourceURL("%1/v/missing.png", 50, 40, 70, "%1/v/full.png")
+        << QSize(64, 36) << QStringList{"/v/missing.png@50w_40h_1c_70q.jpg", "/v/full.png"}
+        << "%1/v/missing.png#50x40q70";
+    QTest::newRow("thumb without fallback fails once")
+        << ZuviImageProvider::thumbnailSourceURL("%1/v/missing.png", 50, 40, 70, QString())
+        << QSize() << QStringList{"/v/missing.png@50w_40h_1c_70q.jpg"} << QString();
+    QTest::newRow("no address") << QStringLiteral("image://zuvi/normal?url=") << QSize()
+                                << QStringList() << QString();
+}
+
+void TestZuviImageProvider::imageSources()
+{
+    QFETCH(QString, source);
+    QFETCH(QSize, expectedSize);
+    QFETCH(QStringList, fetchedPaths);
+    QFETCH(QString, cacheKey);
+    const QString base = m_server->baseUrl().toString(QUrl::StripTrailingSlash);
+    // The address sits percent-encoded inside the source.
+    source.replace("%251", QString::fromLatin1(QUrl::toPercentEncoding(base)));
+
+    QQmlEngine engine;
+    engine.addImageProvider(ZuviImageProvider::kProviderId, new ZuviImageProvider(m_loader.get()));
+    QQmlComponent component(&engine);
+    component.setData("import QtQuick\nImage { asynchronous: true }", QUrl());
+    std::unique_ptr<QObject> image(component.create());
+    QVERIFY2(image, qPrintable(component.errorString()));
+    image->setProperty("source", source);
+
+    const int ready = 1;
+    const int error = 3;
+    const int expectedStatus = expectedSize.isValid() ? ready : error;
+    QTRY_COMPARE(image->property("status").toInt(), expectedStatus);
+    if (expectedSize.isValid())
+        QCOMPARE(image->property("sourceSize").toSize(), expectedSize);
+    else
+        QTRY_VERIFY(m_log->logText().contains("[图片加载失败]"));
+
+    QStringList paths;
+    for (const ZuviRecordedRequest &request : m_server->requests())
+        paths << request.path;
+    QCOMPARE(paths, fetchedPaths);
+    if (!cacheKey.isEmpty())
+        QVERIFY(m_loader->hasCachedImage(cacheKey.replace("%1", base)));
+}
+
+QTEST_MAIN(TestZuviImageProvider)
+#include "tst_zuviimageprovider.moc"
