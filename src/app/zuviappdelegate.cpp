@@ -1,0 +1,235 @@
+#include "zuviappdelegate.h"
+
+#include "browse/zuvivideogridviewcontroller.h"
+#include "platform/zuvidefaults.h"
+#include "platform/zuviidiom.h"
+#include "platform/zuvinotificationcenter.h"
+#include "zuviappearance.h"
+#include "zuviimageassets.h"
+#include "zuvinavigationcontroller.h"
+#include "zuvitabbarcontroller.h"
+#include "zuviunavailableviewcontroller.h"
+
+#include <QDir>
+#include <QFile>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QLoggingCategory>
+#include <QMetaMethod>
+#include <QQmlComponent>
+#include <QQmlEngine>
+#include <QStandardPaths>
+
+Q_LOGGING_CATEGORY(lcApp, "zuvi.app")
+
+const char *const ZuviAppDelegate::kDeveloperModeDidChangeNotification =
+    "ZuviDeveloperModeDidChangeNotification";
+const char *const ZuviAppDelegate::kDeveloperModeKey = "ZuviDeveloperModeEnabled";
+const char *const ZuviAppDelegate::kReselectOperation = "tabBarItemReselected()";
+
+namespace {
+const char *const kTabImageNames[] = {"tab_recommend", "tab_hot", "tab_following", "tab_profile"};
+} // namespace
+
+ZuviAppDelegate::ZuviAppDelegate(const Services &services, QObject *parent)
+    : QObject(parent), m_services(services)
+{
+}
+
+ZuviAppDelegate::~ZuviAppDelegate()
+{
+    if (m_services.center)
+        m_services.center->removeObserver(this);
+    delete m_window;
+}
+
+bool ZuviAppDelegate::applicationDidFinishLaunching(QQmlEngine *engine)
+{
+    applyIOS6PrototypeAppearance();
+    buildRootTabBarController();
+    if (engine && !createWindow(engine))
+        return false;
+    m_services.center->addObserver(QString::fromLatin1(kDeveloperModeDidChangeNotification), this,
+                                   [this](const ZuviNotification &) { developerModeDidChange(); });
+    startRemoteConfigNotifications();
+    return true;
+}
+
+void ZuviAppDelegate::applyIOS6PrototypeAppearance()
+{
+    ZuviAppearance::shared()->applyIOS6PrototypeAppearance();
+}
+
+ZuviTabBarController *ZuviAppDelegate::buildRootTabBarController()
+{
+    if (m_root)
+        return m_root;
+    m_root = new ZuviTabBarController(this);
+    navigationControllerWithRootViewController(
+        ZuviVideoGridViewController::createWithRecommendedTitle(
+            QStringLiteral("推荐"), QStringLiteral("暂无推荐内容。"), m_services.client,
+            m_services.scheduler),
+        QStringLiteral("推荐"), 0);
+    // The other three tabs get their screens with later parts of the
+    // application; until then they say so.
+    const QString laterTitles[] = {QStringLiteral("热门"), QStringLiteral("关注"),
+                                   QStringLiteral("我的")};
+    for (int index = 1; index <= 3; ++index) {
+        const QString &title = laterTitles[index - 1];
+        navigationControllerWithRootViewController(new ZuviUnavailableViewController(title), title,
+                                                   index);
+    }
+    m_root->setTintColor(Qt::black);
+    m_root->setShouldSelectHandler([this](ZuviNavigationController *controller) {
+        return tabBarControllerShouldSelectViewController(controller);
+    });
+    return m_root;
+}
+
+ZuviNavigationController *
+ZuviAppDelegate::navigationControllerWithRootViewController(ZuviViewController *root,
+                                                            const QString &tabTitle, int tabIndex)
+{
+    auto *navigation = new ZuviNavigationController(root, m_services.scheduler);
+    ZuviTabBarController::TabItem item;
+    item.title = tabTitle;
+    item.image = tabBarImageNamed(tabImageNameForIndex(tabIndex, false));
+    item.selectedImage = tabBarImageNamed(tabImageNameForIndex(tabIndex, true));
+    item.tag = tabIndex;
+    if (m_root)
+        m_root->addTab(navigation, item);
+    return navigation;
+}
+
+QString ZuviAppDelegate::tabImageNameForIndex(int index, bool selected)
+{
+    if (index < 0 || index > 3)
+        return QString();
+    const QString name = QString::fromLatin1(kTabImageNames[index]);
+    return selected ? name + QStringLiteral("_selected") : name;
+}
+
+QUrl ZuviAppDelegate::tabBarImageNamed(const QString &name)
+{
+    // Tab icons are drawn in their own colours, never tinted by the bar.
+    return ZuviImageAssets::urlForImageNamed(name);
+}
+
+bool ZuviAppDelegate::tabBarControllerShouldSelectViewController(
+    ZuviNavigationController *controller)
+{
+    if (m_root && controller && controller == m_root->selectedViewController())
+        notifyTabReselectedForViewController(controller);
+    return true;
+}
+
+void ZuviAppDelegate::notifyTabReselectedForViewController(QObject *controller)
+{
+    QObject *screen = controller;
+    if (auto *navigation = qobject_cast<ZuviNavigationController *>(controller)) {
+        if (navigation->depth() == 0)
+            return;
+        // A pushed screen is showing: the tap only belongs to the tab bar.
+        if (navigation->rootViewController() != navigation->topViewController())
+            return;
+        screen = navigation->rootViewController();
+    }
+    if (!screen)
+        return;
+    const QMetaObject *meta = screen->metaObject();
+    const int index = meta->indexOfMethod(kReselectOperation);
+    if (index >= 0)
+        meta->method(index).invoke(screen, Qt::DirectConnection);
+}
+
+bool ZuviAppDelegate::developerModeEnabled() const
+{
+    return m_services.defaults && m_services.defaults->boolForKey(kDeveloperModeKey);
+}
+
+QString ZuviAppDelegate::remoteConfigSourceURLString() const
+{
+    const bool developer = developerModeEnabled();
+    const QString key = developer ? QStringLiteral("ZuviRemoteConfigDeveloperSourceURL")
+                                  : QStringLiteral("ZuviRemoteConfigSourceURL");
+    const QVariant value = m_services.infoDictionary.value(key);
+    if (value.typeId() == QMetaType::QString) {
+        const QString trimmed = value.toString().trimmed();
+        if (!trimmed.isEmpty())
+            return trimmed;
+    }
+    // The deployment's own configuration documents.
+    return developer ? m_services.endpoints.remoteConfigDeveloperSource
+                     : m_services.endpoints.remoteConfigSource;
+}
+
+QStringList ZuviAppDelegate::remoteConfigSourcesFromInfoDictionary() const
+{
+    const QString source = remoteConfigSourceURLString();
+    return source.isEmpty() ? QStringList() : QStringList{source};
+}
+
+QString ZuviAppDelegate::remoteConfigCacheDirectoryPath() const
+{
+    QString base = m_services.cachesDirectory;
+    if (base.isEmpty())
+        base = QStandardPaths::writableLocation(QStandardPaths::CacheLocation);
+    if (base.isEmpty())
+        base = QDir::tempPath();
+    // The two modes never share a cached document.
+    return QDir(base).filePath(developerModeEnabled()
+                                   ? QStringLiteral("ZuviRemoteConfigDeveloper")
+                                   : QStringLiteral("ZuviRemoteConfigProduction"));
+}
+
+std::optional<double> ZuviAppDelegate::positiveInfoNumber(const QString &key) const
+{
+    const QVariant value = m_services.infoDictionary.value(key);
+    if (!value.isValid())
+        return std::nullopt;
+    bool ok = false;
+    const double number = value.toDouble(&ok);
+    if (!ok || number <= 0)
+        return std::nullopt;
+    return number;
+}
+
+void ZuviAppDelegate::developerModeDidChange()
+{
+    startRemoteConfigNotifications();
+}
+
+QVariantMap ZuviAppDelegate::bundledInfoDictionary()
+{
+    QFile file(QStringLiteral(":/zuvi/Info.json"));
+    if (!file.open(QIODevice::ReadOnly)) {
+        qCWarning(lcApp) << "the bundled Info.json is missing";
+        return {};
+    }
+    return QJsonDocument::fromJson(file.readAll()).object().toVariantMap();
+}
+
+bool ZuviAppDelegate::createWindow(QQmlEngine *engine)
+{
+    QQmlComponent component(engine,
+                            ZuviViewController::modulePageUrl(QStringLiteral("AppWindow.qml")));
+    const QSize size = ZuviIdiom::defaultWindowSize(ZuviIdiom::current());
+    QObject *window =
+        component.createWithInitialProperties({{"appDelegate", QVariant::fromValue(this)},
+                                               {"width", size.width()},
+                                               {"height", size.height()}});
+    if (!window) {
+        qCCritical(lcApp).noquote() << component.errorString();
+        return false;
+    }
+    m_window = window;
+    return true;
+}
+
+void ZuviAppDelegate::startRemoteConfigNotifications()
+{
+    const QStringList sources = remoteConfigSourcesFromInfoDictionary();
+    if (sources.isEmpty())
+        return;
+    ++m_remoteConfigStartCount;
+}

@@ -1,0 +1,269 @@
+#include "app/zuviappdelegate.h"
+#include "app/zuviappearance.h"
+#include "app/zuvidebuglog.h"
+#include "app/zuvidebuglogviewcontroller.h"
+#include "app/zuvinavigationcontroller.h"
+#include "app/zuvitabbarcontroller.h"
+#include "app/zuviviewcontroller.h"
+#include "browse/zuvivideogridviewcontroller.h"
+#include "net/zuviapiclient.h"
+#include "platform/zuvinotificationcenter.h"
+#include "platform/zuvivirtualscheduler.h"
+#include "support/zuvitesthttpserver.h"
+#include "support/zuvitestsupport.h"
+
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QSignalSpy>
+#include <QtTest>
+
+#include <memory>
+
+namespace {
+// A root screen that counts how often its tab was tapped again.
+class CountingScreen : public ZuviViewController
+{
+    Q_OBJECT
+public:
+    explicit CountingScreen(const QString &title) : ZuviViewController(title) {}
+    QUrl pageUrl() const override { return {}; }
+    Q_INVOKABLE void tabBarItemReselected() { ++reselections; }
+    int reselections = 0;
+};
+
+class PlainScreen : public ZuviViewController
+{
+public:
+    PlainScreen() : ZuviViewController("plain") {}
+    QUrl pageUrl() const override { return {}; }
+};
+} // namespace
+
+class TestAppDelegate : public QObject
+{
+    Q_OBJECT
+
+private:
+    ZuviTestHttpServer server;
+    ZuviScratchDefaults defaults;
+    ZuviNotificationCenter center;
+    ZuviVirtualScheduler scheduler;
+    std::unique_ptr<ZuviDebugLog> log;
+    std::unique_ptr<ZuviAPIClient> client;
+
+    ZuviAppDelegate::Services services(const QVariantMap &info = {})
+    {
+        ZuviAppDelegate::Services made;
+        made.client = client.get();
+        made.defaults = defaults.get();
+        made.center = &center;
+        made.scheduler = &scheduler;
+        made.log = log.get();
+        made.endpoints = ZuviEndpoints::allOn(server.baseUrl());
+        made.endpoints.remoteConfigSource = server.urlString("/config.json");
+        made.endpoints.remoteConfigDeveloperSource = server.urlString("/dev-config.json");
+        made.infoDictionary = info;
+        made.cachesDirectory = defaults.dir.filePath("caches");
+        return made;
+    }
+
+private slots:
+    void initTestCase()
+    {
+        QVERIFY(server.start());
+        log.reset(new ZuviDebugLog(defaults.get(), &center));
+        client.reset(new ZuviAPIClient(defaults.get(), log.get(), &center,
+                                       ZuviEndpoints::allOn(server.baseUrl())));
+    }
+    void init() { defaults.get()->setBool(false, ZuviAppDelegate::kDeveloperModeKey); }
+
+    void startUpBuildsTheFourTabs()
+    {
+        ZuviAppDelegate delegate(services(ZuviAppDelegate::bundledInfoDictionary()));
+        QVERIFY(delegate.applicationDidFinishLaunching(nullptr));
+        QVERIFY(ZuviAppearance::shared()->isApplied());
+        QCOMPARE(ZuviAppearance::shared()->navigationBarTintColor(),
+                 QColor::fromRgbF(0.93, 0.44, 0.61));
+        QVERIFY(!ZuviAppearance::shared()->navigationBarTranslucent());
+        QCOMPARE(ZuviAppearance::shared()->tabBarTintColor(), QColor(Qt::black));
+        ZuviTabBarController *tabs = delegate.rootTabBarController();
+        QCOMPARE(tabs->count(), 4);
+        QCOMPARE(tabs->tintColor(), QColor(Qt::black));
+        const QStringList titles{"推荐", "热门", "关注", "我的"};
+        for (int i = 0; i < 4; ++i) {
+            QCOMPARE(tabs->titleAt(i), titles[i]);
+            QCOMPARE(tabs->tagAt(i), i);
+            QVERIFY(!tabs->imageAt(i, false).isEmpty());
+            QVERIFY(!tabs->imageAt(i, true).isEmpty());
+            QVERIFY(tabs->imageAt(i, false) != tabs->imageAt(i, true));
+            QCOMPARE(tabs->viewControllerAt(i)->depth(), 1);
+        }
+        auto *grid = qobject_cast<ZuviVideoGridViewController *>(
+            tabs->viewControllerAt(0)->rootViewController());
+        QVERIFY(grid);
+        QCOMPARE(grid->title(), QStringLiteral("推荐"));
+        QCOMPARE(grid->emptyMessage(), QStringLiteral("暂无推荐内容。"));
+        QCOMPARE(grid->mode(), ZuviVideoGridViewController::Mode::Recommended);
+        // The later tabs say they are not in this build.
+        QObject *hot = tabs->viewControllerAt(1)->rootViewController();
+        auto *state = hot->property("stateView").value<ZuviStateView *>();
+        QVERIFY(state);
+        QCOMPARE(state->mode(), int(ZuviStateView::Empty));
+        QVERIFY(state->message().contains("热门"));
+    }
+
+    void tabImageNames_data()
+    {
+        QTest::addColumn<int>("index");
+        QTest::addColumn<bool>("selected");
+        QTest::addColumn<QString>("name");
+        QTest::newRow("0") << 0 << false << "tab_recommend";
+        QTest::newRow("1 selected") << 1 << true << "tab_hot_selected";
+        QTest::newRow("2") << 2 << false << "tab_following";
+        QTest::newRow("3 selected") << 3 << true << "tab_profile_selected";
+        QTest::newRow("-1") << -1 << false << "";
+        QTest::newRow("4") << 4 << true << "";
+    }
+    void tabImageNames()
+    {
+        QFETCH(int, index);
+        QFETCH(bool, selected);
+        QFETCH(QString, name);
+        QCOMPARE(ZuviAppDelegate::tabImageNameForIndex(index, selected), name);
+        QCOMPARE(ZuviAppDelegate::tabBarImageNamed(name).isEmpty(), name.isEmpty());
+    }
+
+    // A tap on the selected tab reaches its screen only at the stack's root.
+    void reselection()
+    {
+        ZuviAppDelegate delegate(services());
+        ZuviTabBarController *tabs = delegate.buildRootTabBarController();
+        auto *first = new CountingScreen("first");
+        auto *second = new CountingScreen("second");
+        ZuviNavigationController *one =
+            delegate.navigationControllerWithRootViewController(first, "一", 4);
+        delegate.navigationControllerWithRootViewController(second, "二", 5);
+        const int firstIndex = 4, secondIndex = 5;
+        tabs->selectTab(firstIndex);
+        QCOMPARE(tabs->selectedIndex(), firstIndex);
+        QCOMPARE(first->reselections, 0); // selecting a different tab never tells
+        tabs->selectTab(firstIndex);
+        QCOMPARE(first->reselections, 1);
+        one->pushViewController(new PlainScreen);
+        tabs->selectTab(firstIndex);
+        QCOMPARE(first->reselections, 1); // a pushed screen shows
+        one->popViewController(false);
+        tabs->selectTab(firstIndex);
+        QCOMPARE(first->reselections, 2);
+        tabs->selectTab(secondIndex);
+        QCOMPARE(second->reselections, 0);
+        QCOMPARE(first->reselections, 2);
+        // A screen without the operation is simply left alone.
+        delegate.notifyTabReselectedForViewController(new PlainScreen);
+    }
+
+    void remoteConfigSource_data()
+    {
+        QTest::addColumn<bool>("developer");
+        QTest::addColumn<QVariantMap>("info");
+        QTest::addColumn<QString>("expected");
+        const QString production = "http://127.0.0.1:%1/config.json";
+        const QString developer = "http://127.0.0.1:%1/dev-config.json";
+        QTest::newRow("production from the keys")
+            << false << QVariantMap{{"ZuviRemoteConfigSourceURL", " https://a.example/c.json\n"}}
+            << "https://a.example/c.json";
+        QTest::newRow("developer from the keys")
+            << true
+            << QVariantMap{{"ZuviRemoteConfigSourceURL", "https://a.example/c.json"},
+                           {"ZuviRemoteConfigDeveloperSourceURL", "https://a.example/d.json"}}
+            << "https://a.example/d.json";
+        QTest::newRow("blank production falls back")
+            << false << QVariantMap{{"ZuviRemoteConfigSourceURL", "  \n "}} << production;
+        QTest::newRow("not a string falls back")
+            << false << QVariantMap{{"ZuviRemoteConfigSourceURL", 42}} << production;
+        QTest::newRow("developer without its key") << true << QVariantMap{} << developer;
+    }
+    void remoteConfigSource()
+    {
+        QFETCH(bool, developer);
+        QFETCH(QVariantMap, info);
+        QFETCH(QString, expected);
+        expected = expected.arg(server.port());
+        defaults.get()->setBool(developer, ZuviAppDelegate::kDeveloperModeKey);
+        ZuviAppDelegate delegate(services(info));
+        QCOMPARE(delegate.remoteConfigSourceURLString(), expected);
+        QCOMPARE(delegate.remoteConfigSourcesFromInfoDictionary(), QStringList{expected});
+        QVERIFY(delegate.remoteConfigCacheDirectoryPath().endsWith(
+            developer ? "/ZuviRemoteConfigDeveloper" : "/ZuviRemoteConfigProduction"));
+    }
+
+    void infoNumbers_data()
+    {
+        QTest::addColumn<QVariant>("value");
+        QTest::addColumn<double>("expected"); // 0: the default stands
+        QTest::newRow("number") << QVariant(600) << 600.0;
+        QTest::newRow("numeric text") << QVariant("90") << 90.0;
+        QTest::newRow("zero") << QVariant(0) << 0.0;
+        QTest::newRow("negative") << QVariant(-5) << 0.0;
+        QTest::newRow("text") << QVariant("soon") << 0.0;
+        QTest::newRow("missing") << QVariant() << 0.0;
+    }
+    void infoNumbers()
+    {
+        QFETCH(QVariant, value);
+        QFETCH(double, expected);
+        QVariantMap info;
+        if (value.isValid())
+            info.insert("ZuviRemoteConfigPollInterval", value);
+        ZuviAppDelegate delegate(services(info));
+        const auto number = delegate.positiveInfoNumber("ZuviRemoteConfigPollInterval");
+        QCOMPARE(number.value_or(0), expected);
+    }
+
+    void bundledInfoKeys()
+    {
+        const QVariantMap info = ZuviAppDelegate::bundledInfoDictionary();
+        for (const char *key : {"ZuviRemoteConfigPollInterval", "ZuviRemoteConfigRequestTimeout",
+                                "ZuviRemoteConfigSourceURL", "ZuviRemoteConfigDeveloperSourceURL"})
+            QVERIFY2(info.contains(key), key);
+        QCOMPARE(info.value("ZuviRemoteConfigPollInterval").toInt(), 14400);
+    }
+
+    void developerModeChangeRestartsTheConfiguration()
+    {
+        ZuviAppDelegate delegate(services());
+        QVERIFY(delegate.applicationDidFinishLaunching(nullptr));
+        QCOMPARE(delegate.remoteConfigStartCount(), 1);
+        defaults.get()->setBool(true, ZuviAppDelegate::kDeveloperModeKey);
+        center.post(ZuviAppDelegate::kDeveloperModeDidChangeNotification);
+        QCOMPARE(delegate.remoteConfigStartCount(), 2);
+    }
+
+    void debugLogScreen()
+    {
+        ZuviDebugLogViewController screen(log.get(), &center);
+        log->clearLog();
+        QCOMPARE(screen.title(), QStringLiteral("调试日志"));
+        QVERIFY(screen.isLogEmpty());
+        QVERIFY(screen.displayText().startsWith(QStringLiteral("暂无调试日志。\n\n")));
+        QCOMPARE(screen.actionTitles(), (QStringList{"复制全部", "清空", "取消"}));
+        QSignalSpy changed(&screen, &ZuviDebugLogViewController::logChanged);
+        log->appendText("图片加载失败", "图片");
+        QTRY_VERIFY(!changed.isEmpty());
+        QVERIFY(screen.displayText().contains("[图片]\n图片加载失败\n"));
+        QSignalSpy alerts(&screen, &ZuviDebugLogViewController::alertRequested);
+        screen.chooseAction(0);
+        QCOMPARE(QGuiApplication::clipboard()->text(), log->logText());
+        QCOMPARE(alerts.size(), 1);
+        QCOMPARE(alerts.first(), (QVariantList{"已复制", "全部调试日志已复制。", "好"}));
+        screen.chooseAction(2); // cancel
+        QVERIFY(!screen.isLogEmpty());
+        changed.clear();
+        screen.chooseAction(1);
+        QTRY_VERIFY(!changed.isEmpty());
+        QVERIFY(screen.isLogEmpty());
+    }
+};
+
+QTEST_MAIN(TestAppDelegate)
+#include "tst_zuviappdelegate.moc"

@@ -1,0 +1,192 @@
+#include "app/zuviappdelegate.h"
+#include "app/zuvidebuglog.h"
+#include "app/zuvidebuglogviewcontroller.h"
+#include "app/zuvitabbarcontroller.h"
+#include "app/zuviunavailableviewcontroller.h"
+#include "browse/zuvisearchresultsviewcontroller.h"
+#include "browse/zuvivideogridviewcontroller.h"
+#include "net/zuviapiclient.h"
+#include "platform/zuviidiom.h"
+#include "platform/zuvinotificationcenter.h"
+#include "platform/zuvivirtualscheduler.h"
+#include "support/zuvitesthttpserver.h"
+#include "support/zuvitestsupport.h"
+
+#include <QQmlComponent>
+#include <QQmlEngine>
+#include <QQmlExtensionPlugin>
+#include <QQuickItem>
+#include <QQuickWindow>
+#include <QtTest>
+
+#include <memory>
+
+Q_IMPORT_QML_PLUGIN(ZuviPlugin)
+
+namespace {
+QStringList *capturedWarnings = nullptr;
+QtMessageHandler previousHandler = nullptr;
+
+// Collects every warning the QML engine and Qt Quick print while a page loads.
+void captureWarnings(QtMsgType type, const QMessageLogContext &context, const QString &message)
+{
+    if (capturedWarnings && type != QtDebugMsg && type != QtInfoMsg)
+        capturedWarnings->append(message);
+    if (previousHandler)
+        previousHandler(type, context, message);
+}
+
+QList<ZuviVideoItem> sampleVideos(int count)
+{
+    QList<ZuviVideoItem> videos;
+    for (int i = 0; i < count; ++i) {
+        ZuviVideoItem item;
+        item.bvid = QStringLiteral("BV%1").arg(i);
+        item.title = QStringLiteral("第 %1 个视频").arg(i);
+        item.ownerName = QStringLiteral("作者 %1").arg(i);
+        item.playCountText = "12.3万";
+        item.durationText = "3:25";
+        videos.append(item);
+    }
+    return videos;
+}
+} // namespace
+
+class TestPages : public QObject
+{
+    Q_OBJECT
+
+private:
+    ZuviTestHttpServer server;
+    ZuviScratchDefaults defaults;
+    ZuviNotificationCenter center;
+    ZuviVirtualScheduler scheduler;
+    std::unique_ptr<ZuviDebugLog> log;
+    std::unique_ptr<ZuviAPIClient> client;
+    QStringList warnings;
+
+    // Loads one page for its controller in a window and lets it render.
+    void loadPage(ZuviViewController *controller, QSize size)
+    {
+        QQmlEngine engine;
+        QQuickWindow window;
+        window.resize(size);
+        QQmlComponent component(&engine, controller->pageUrl());
+        QVERIFY2(component.isReady(), qPrintable(component.errorString()));
+        std::unique_ptr<QObject> page(component.createWithInitialProperties(
+            {{"controller", QVariant::fromValue(controller)}}));
+        QVERIFY2(page, qPrintable(component.errorString()));
+        auto *item = qobject_cast<QQuickItem *>(page.get());
+        QVERIFY(item);
+        item->setParentItem(window.contentItem());
+        item->setSize(size);
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        QTRY_VERIFY(item->isVisible());
+        QCoreApplication::processEvents();
+    }
+
+private slots:
+    void initTestCase()
+    {
+        QVERIFY(server.start());
+        log.reset(new ZuviDebugLog(defaults.get(), &center));
+        client.reset(new ZuviAPIClient(defaults.get(), log.get(), &center,
+                                       ZuviEndpoints::allOn(server.baseUrl())));
+        capturedWarnings = &warnings;
+        previousHandler = qInstallMessageHandler(captureWarnings);
+    }
+    void cleanupTestCase()
+    {
+        qInstallMessageHandler(previousHandler);
+        capturedWarnings = nullptr;
+    }
+    void init() { warnings.clear(); }
+    void cleanup()
+    {
+        ZuviIdiom::setCurrent(ZuviIdiom::Pad);
+        QVERIFY2(warnings.isEmpty(), qPrintable(warnings.join('\n')));
+    }
+
+    void videoGridPage_data()
+    {
+        QTest::addColumn<bool>("pad");
+        QTest::addColumn<int>("count");
+        QTest::newRow("pad grid") << true << 12;
+        QTest::newRow("phone list") << false << 12;
+        QTest::newRow("pad, empty static list") << true << 0;
+    }
+    void videoGridPage()
+    {
+        QFETCH(bool, pad);
+        QFETCH(int, count);
+        ZuviIdiom::setCurrent(pad ? ZuviIdiom::Pad : ZuviIdiom::Phone);
+        std::unique_ptr<ZuviVideoGridViewController> grid(
+            ZuviVideoGridViewController::createWithTitle("合集", sampleVideos(count), "空",
+                                                         client.get(), &scheduler));
+        grid->loadViewIfNeeded();
+        loadPage(grid.get(), ZuviIdiom::defaultWindowSize(ZuviIdiom::current()));
+    }
+
+    void recommendedPageWhileLoading()
+    {
+        std::unique_ptr<ZuviVideoGridViewController> grid(
+            ZuviVideoGridViewController::createWithRecommendedTitle("推荐", "暂无推荐内容。",
+                                                                    client.get(), &scheduler));
+        grid->loadViewIfNeeded();
+        loadPage(grid.get(), QSize(1024, 768));
+    }
+
+    void searchResultsPage()
+    {
+        ZuviSearchResultsViewController search("", client.get());
+        search.loadViewIfNeeded();
+        loadPage(&search, QSize(1024, 768));
+    }
+
+    void debugLogPage()
+    {
+        ZuviDebugLogViewController screen(log.get(), &center);
+        loadPage(&screen, QSize(1024, 768));
+    }
+
+    void unavailablePage()
+    {
+        ZuviUnavailableViewController screen("关注");
+        loadPage(&screen, QSize(320, 568));
+    }
+
+    void applicationWindow()
+    {
+        ZuviAppDelegate::Services services;
+        services.client = client.get();
+        services.defaults = defaults.get();
+        services.center = &center;
+        services.scheduler = &scheduler;
+        services.log = log.get();
+        services.endpoints = ZuviEndpoints::allOn(server.baseUrl());
+        QQmlEngine engine;
+        ZuviAppDelegate delegate(services);
+        QVERIFY(delegate.applicationDidFinishLaunching(&engine));
+        auto *window = qobject_cast<QQuickWindow *>(delegate.window());
+        QVERIFY(window);
+        QCOMPARE(window->size(), QSize(1024, 768));
+        QVERIFY(QTest::qWaitForWindowExposed(window));
+        // Every tab shows its page.
+        for (int i = 0; i < 4; ++i) {
+            delegate.rootTabBarController()->selectTab(i);
+            QCoreApplication::processEvents();
+        }
+    }
+};
+
+int main(int argc, char *argv[])
+{
+    // The software renderer keeps the test independent of any GPU.
+    QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
+    QGuiApplication app(argc, argv);
+    TestPages test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "tst_zuvipages.moc"
