@@ -9,40 +9,31 @@ import Zuvi
 Page {
     id: page
 
-    // The list entry (ZuviVideoItem's fields) and the title of its list.
-    property var videoItem: ({})
-    property string sourceTitle: ""
-    readonly property alias controller: controller
+    // The navigation stack tells the controller when the screen appears and
+    // goes; the page only hands over the items the movie and overlay use.
+    required property ZuviVideoPlayerViewController controller
 
-    title: controller.title
+    title: page.controller.title
     focus: true
-
-    ZuviVideoPlayerViewController {
-        id: controller
-        onCloseRequested: {
-            if (page.StackView.view && page.StackView.view.depth > 1)
-                page.StackView.view.pop()
-        }
+    header: NavigationBar {
+        navigation: page.controller.navigationController
+        title: page.controller.title
     }
 
     Component.onCompleted: {
-        controller.playerContainer = container
-        controller.movieView = movieView
-        controller.openVideo(videoItem || ({}), sourceTitle)
-        controller.viewDidLoad()
-        controller.viewWillAppear()
+        page.controller.playerContainer = container
+        page.controller.movieView = movieView
+        forceActiveFocus()
     }
-    StackView.onActivating: controller.viewWillAppear()
-    StackView.onDeactivating: controller.viewWillDisappear()
 
     Keys.onPressed: event => {
         switch (event.key) {
-        case Qt.Key_Space: controller.togglePlayPause(); break
-        case Qt.Key_Left: controller.seekBy(-5); break
-        case Qt.Key_Right: controller.seekBy(5); break
-        case Qt.Key_F: controller.toggleFullscreen(); break
-        case Qt.Key_Escape: controller.escapePressed(); break
-        case Qt.Key_D: controller.danmakuEnabled = !controller.danmakuEnabled; break
+        case Qt.Key_Space: page.controller.togglePlayPause(); break
+        case Qt.Key_Left: page.controller.seekBy(-5); break
+        case Qt.Key_Right: page.controller.seekBy(5); break
+        case Qt.Key_F: page.controller.toggleFullscreen(); break
+        case Qt.Key_Escape: page.controller.escapePressed(); break
+        case Qt.Key_D: page.controller.danmakuEnabled = !page.controller.danmakuEnabled; break
         default: return
         }
         event.accepted = true
@@ -70,7 +61,7 @@ Page {
                     id: movieView
                     objectName: "movieView"
                     anchors.fill: parent
-                    controller: controller
+                    controller: page.controller
                 }
 
                 Label {
@@ -78,8 +69,8 @@ Page {
                     z: 2
                     anchors.centerIn: parent
                     anchors.verticalCenterOffset: -18
-                    visible: controller.stateVisible
-                    text: controller.stateText
+                    visible: page.controller.stateVisible
+                    text: page.controller.stateText
                     color: "white"
                     width: parent.width - 40
                     horizontalAlignment: Text.AlignHCenter
@@ -91,16 +82,16 @@ Page {
                     anchors.horizontalCenter: parent.horizontalCenter
                     anchors.top: parent.verticalCenter
                     anchors.topMargin: 8
-                    visible: controller.retryVisible
-                    text: controller.retryTitle
-                    onClicked: controller.retryButtonTapped()
+                    visible: page.controller.retryVisible
+                    text: page.controller.retryTitle
+                    onClicked: page.controller.retryButtonTapped()
                 }
             }
 
             Label {
                 Layout.fillWidth: true
                 Layout.margins: 12
-                text: controller.videoTitle
+                text: page.controller.videoTitle
                 font.pixelSize: 18
                 font.bold: true
                 color: Qt.rgba(0.93, 0.44, 0.61, 1)
@@ -110,7 +101,7 @@ Page {
                 Layout.fillWidth: true
                 Layout.leftMargin: 12
                 Layout.rightMargin: 12
-                text: controller.detailMetaText
+                text: page.controller.detailMetaText
                 color: "#666"
                 wrapMode: Text.Wrap
             }
@@ -119,37 +110,37 @@ Page {
                 Layout.leftMargin: 12
                 Layout.rightMargin: 12
                 visible: text.length > 0
-                text: controller.detailDescription
+                text: page.controller.detailDescription
                 wrapMode: Text.Wrap
             }
             Flow {
                 Layout.fillWidth: true
                 Layout.margins: 12
                 spacing: 6
-                visible: controller.pageTitles.length > 1
+                visible: page.controller.pageTitles.length > 1
                 Repeater {
-                    model: controller.pageTitles
+                    model: page.controller.pageTitles
                     delegate: Button {
                         required property int index
                         required property string modelData
                         text: modelData
-                        highlighted: index === controller.selectedPageIndex
-                        onClicked: controller.selectPage(index)
+                        highlighted: index === page.controller.selectedPageIndex
+                        onClicked: page.controller.selectPage(index)
                     }
                 }
             }
             // Developer aid: what the danmaku list holds.
             ItemDelegate {
                 Layout.fillWidth: true
-                visible: controller.showsDanmakuPreview
-                text: controller.danmakuPreviewSummaryText
+                visible: page.controller.showsDanmakuPreview
+                text: page.controller.danmakuPreviewSummaryText
                 onClicked: previewDialog.open()
             }
             Label {
                 Layout.fillWidth: true
                 Layout.leftMargin: 12
                 visible: text.length > 0
-                text: controller.danmakuStatusText
+                text: page.controller.danmakuStatusText
                 color: "#999"
             }
         }
@@ -159,8 +150,8 @@ Page {
     // fullscreen picture.
     Rectangle {
         objectName: "playbackEndView"
-        parent: controller.playbackEndInFullscreen && movieView.parent ? movieView.parent : container
-        visible: controller.playbackEndVisible
+        parent: page.controller.playbackEndInFullscreen && movieView.parent ? movieView.parent : container
+        visible: page.controller.playbackEndVisible
         anchors.fill: parent
         z: 10002
         color: "#d0000000"
@@ -170,19 +161,19 @@ Page {
             width: Math.min(parent.width - 40, 420)
             spacing: 8
             Label {
-                text: controller.playbackEndBadgeText
+                text: page.controller.playbackEndBadgeText
                 color: Qt.rgba(0.93, 0.44, 0.61, 1)
             }
             Label {
                 Layout.fillWidth: true
-                text: controller.playbackEndTitleText
+                text: page.controller.playbackEndTitleText
                 color: "white"
                 font.pixelSize: 18
                 wrapMode: Text.Wrap
             }
             Label {
                 Layout.fillWidth: true
-                text: controller.playbackEndMetaText
+                text: page.controller.playbackEndMetaText
                 color: "#ccc"
                 wrapMode: Text.Wrap
             }
@@ -190,12 +181,12 @@ Page {
                 Button {
                     objectName: "replayButton"
                     text: "重播"
-                    onClicked: controller.playbackEndReplayTapped()
+                    onClicked: page.controller.playbackEndReplayTapped()
                 }
                 Button {
                     objectName: "exitButton"
                     text: "退出"
-                    onClicked: controller.playbackEndExitTapped()
+                    onClicked: page.controller.playbackEndExitTapped()
                 }
             }
         }
@@ -206,7 +197,7 @@ Page {
         z: 4
         anchors { top: parent.top; right: parent.right; margins: 8 }
         visible: text.length > 0
-        text: controller.fullscreenDirectionText
+        text: page.controller.fullscreenDirectionText
         color: "yellow"
     }
 
@@ -225,7 +216,7 @@ Page {
             implicitHeight: Math.min(page.height * 0.6, previewText.implicitHeight)
             Label {
                 id: previewText
-                text: controller.danmakuPreviewAlertMessage
+                text: page.controller.danmakuPreviewAlertMessage
                 wrapMode: Text.Wrap
                 width: previewDialog.availableWidth
             }

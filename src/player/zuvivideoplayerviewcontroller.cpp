@@ -1,5 +1,6 @@
 #include "zuvivideoplayerviewcontroller.h"
 
+#include "app/zuvinavigationcontroller.h"
 #include "danmaku/zuvidanmakuoverlayview.h"
 #include "net/zuviapiclient.h"
 #include "platform/zuvidefaults.h"
@@ -54,21 +55,26 @@ bool isPausedLike(ZuviMoviePlayer::PlaybackState state)
 }
 } // namespace
 
-ZuviVideoPlayerViewController::ZuviVideoPlayerViewController(QObject *parent)
-    : ZuviVideoPlayerViewController(
-          ZuviAPIClient::sharedClient(), ZuviScheduler::sharedScheduler(),
-          ZuviDefaults::standardDefaults(),
-          [](QObject *owner) { return new ZuviMediaMoviePlayer(owner); }, parent)
+ZuviVideoPlayerViewController *
+ZuviVideoPlayerViewController::createWithVideoItem(const ZuviVideoItem &item,
+                                                   const QString &sourceTitle)
 {
+    return new ZuviVideoPlayerViewController(
+        item, sourceTitle, ZuviAPIClient::sharedClient(), ZuviScheduler::sharedScheduler(),
+        ZuviDefaults::standardDefaults(), mediaPlayerFactory());
 }
 
-ZuviVideoPlayerViewController::ZuviVideoPlayerViewController(ZuviAPIClient *client,
-                                                             ZuviScheduler *scheduler,
-                                                             ZuviDefaults *defaults,
-                                                             PlayerFactory playerFactory,
-                                                             QObject *parent)
-    : QObject(parent), m_client(client), m_scheduler(scheduler), m_defaults(defaults),
-      m_playerFactory(std::move(playerFactory)), m_overlay(new ZuviDanmakuOverlayView)
+ZuviVideoPlayerViewController::PlayerFactory ZuviVideoPlayerViewController::mediaPlayerFactory()
+{
+    return [](QObject *owner) { return new ZuviMediaMoviePlayer(owner); };
+}
+
+ZuviVideoPlayerViewController::ZuviVideoPlayerViewController(
+    const ZuviVideoItem &item, const QString &sourceTitle, ZuviAPIClient *client,
+    ZuviScheduler *scheduler, ZuviDefaults *defaults, PlayerFactory playerFactory, QObject *parent)
+    : ZuviViewController(QStringLiteral("视频播放"), parent), m_client(client),
+      m_scheduler(scheduler), m_defaults(defaults), m_playerFactory(std::move(playerFactory)),
+      m_overlay(new ZuviDanmakuOverlayView)
 {
     m_overlay->setParent(this);
     m_overlay->setPadIdiom(ZuviIdiom::isPad());
@@ -77,6 +83,7 @@ ZuviVideoPlayerViewController::ZuviVideoPlayerViewController(ZuviAPIClient *clie
         QString::fromLatin1(kDanmakuAPILogNotification), this, [this](const ZuviNotification &n) {
             danmakuAPILogNotification(n.userInfo.value(QStringLiteral("message")).toString());
         });
+    initWithVideoItem(item, sourceTitle);
 }
 
 ZuviVideoPlayerViewController::~ZuviVideoPlayerViewController()
@@ -105,7 +112,7 @@ void ZuviVideoPlayerViewController::initWithVideoItem(const ZuviVideoItem &item,
     emit danmakuChanged();
 }
 
-void ZuviVideoPlayerViewController::openVideo(const QVariantMap &item, const QString &sourceTitle)
+ZuviVideoItem ZuviVideoPlayerViewController::videoItemFromMap(const QVariantMap &item)
 {
     ZuviVideoItem video;
     video.title = item.value(QStringLiteral("title")).toString();
@@ -117,7 +124,12 @@ void ZuviVideoPlayerViewController::openVideo(const QVariantMap &item, const QSt
     video.bvid = item.value(QStringLiteral("bvid")).toString();
     video.aid = item.value(QStringLiteral("aid")).toLongLong();
     video.cid = item.value(QStringLiteral("cid")).toLongLong();
-    initWithVideoItem(video, sourceTitle);
+    return video;
+}
+
+QUrl ZuviVideoPlayerViewController::pageUrl() const
+{
+    return modulePageUrl(QStringLiteral("VideoPlayerPage.qml"));
 }
 
 void ZuviVideoPlayerViewController::viewWillAppear()
@@ -689,7 +701,8 @@ void ZuviVideoPlayerViewController::playbackEndExitTapped()
 {
     if (!m_playbackEndInFullscreen && !isPlayerFullscreen()) {
         hidePlaybackEndView();
-        emit closeRequested();
+        if (!navigationController() || !navigationController()->popViewController(true))
+            emit closeRequested();
         return;
     }
     // In fullscreen the exit only leaves fullscreen; the end view stays, inline.

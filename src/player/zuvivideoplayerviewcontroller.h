@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/zuviviewcontroller.h"
 #include "model/zuvidanmakuitem.h"
 #include "model/zuvivideodetail.h"
 #include "model/zuvivideoitem.h"
@@ -28,11 +29,11 @@ class ZuviScheduler;
 // player container and drives the danmaku overlay from the movie's clock,
 // inline and fullscreen. Every asynchronous step carries a request number so
 // that an answer arriving after the user has moved on is dropped.
-class ZuviVideoPlayerViewController : public QObject
+class ZuviVideoPlayerViewController : public ZuviViewController
 {
     Q_OBJECT
     QML_ELEMENT
-    Q_PROPERTY(QString title READ title CONSTANT)
+    QML_UNCREATABLE("Made for a list entry by ZuviVideoScreenOpener")
     Q_PROPERTY(QString sourceTitle READ sourceTitle NOTIFY detailChanged)
     Q_PROPERTY(QString videoTitle READ videoTitle NOTIFY detailChanged)
     Q_PROPERTY(QString detailMetaText READ detailMetaText NOTIFY detailChanged)
@@ -71,12 +72,18 @@ class ZuviVideoPlayerViewController : public QObject
 public:
     using PlayerFactory = std::function<ZuviMoviePlayer *(QObject *parent)>;
 
-    // Uses the shared client, the real-time scheduler, the standard defaults
-    // and QMediaPlayer-backed players.
-    explicit ZuviVideoPlayerViewController(QObject *parent = nullptr);
-    ZuviVideoPlayerViewController(ZuviAPIClient *client, ZuviScheduler *scheduler,
+    // The screen for a list entry and the title of the list it came from.
+    ZuviVideoPlayerViewController(const ZuviVideoItem &item, const QString &sourceTitle,
+                                  ZuviAPIClient *client, ZuviScheduler *scheduler,
                                   ZuviDefaults *defaults, PlayerFactory playerFactory,
                                   QObject *parent = nullptr);
+    // The same on the shared client, the real-time scheduler, the standard
+    // defaults and QMediaPlayer-backed players.
+    static ZuviVideoPlayerViewController *createWithVideoItem(const ZuviVideoItem &item,
+                                                              const QString &sourceTitle);
+    static PlayerFactory mediaPlayerFactory();
+    // Builds the item from a map of ZuviVideoItem's field names.
+    static ZuviVideoItem videoItemFromMap(const QVariantMap &map);
     ~ZuviVideoPlayerViewController() override;
 
     static const char *const kPreferredQualityModeKey;
@@ -86,13 +93,10 @@ public:
     static const char *const kDanmakuAPILogNotification;
     static constexpr double kDanmakuTickInterval = 0.12;
 
-    // --- Opening
-    void initWithVideoItem(const ZuviVideoItem &item, const QString &sourceTitle);
-    // The same from QML, with the item as a map of ZuviVideoItem's fields.
-    Q_INVOKABLE void openVideo(const QVariantMap &item, const QString &sourceTitle);
-    Q_INVOKABLE void viewDidLoad() { loadVideoDetail(); }
-    Q_INVOKABLE void viewWillAppear();
-    Q_INVOKABLE void viewWillDisappear();
+    // --- Screen lifecycle
+    QUrl pageUrl() const override;
+    void viewWillAppear() override;
+    void viewWillDisappear() override;
     Q_INVOKABLE void didReceiveMemoryWarning();
 
     // --- Quality preference
@@ -168,7 +172,6 @@ public:
     Q_INVOKABLE void escapePressed();
 
     // --- Read-only state
-    QString title() const { return QStringLiteral("视频播放"); }
     QString sourceTitle() const { return m_sourceTitle; }
     const ZuviVideoItem &videoItem() const { return m_videoItem; }
     const std::optional<ZuviVideoDetail> &detail() const { return m_detail; }
@@ -228,10 +231,14 @@ signals:
     void danmakuChanged();
     void fullscreenDirectionChanged();
     void playbackEndChanged();
-    // The end view's exit while inline: the page leaves the screen.
+    // The end view's exit while inline, for a screen without a stack.
     void closeRequested();
 
+protected:
+    void viewDidLoad() override { loadVideoDetail(); }
+
 private:
+    void initWithVideoItem(const ZuviVideoItem &item, const QString &sourceTitle);
     void setStateLabel(const QString &text, bool visible);
     void setRetry(const QString &title, bool visible);
     void setRetryVisible(bool visible);

@@ -135,27 +135,20 @@ int main(int argc, char **argv)
 
     std::function<void(const ZuviVideoItem &)> open = [&](const ZuviVideoItem &v) {
         say(QString("opening %1 %2 cid %3").arg(v.bvid, v.title).arg(v.cid));
-        engine.setInitialProperties(
-            {{"firstVideo", QVariantMap{{"bvid", v.bvid},
-                                        {"aid", v.aid},
-                                        {"cid", v.cid},
-                                        {"title", v.title},
-                                        {"ownerName", v.ownerName},
-                                        {"playCountText", v.playCountText}}}});
+        c = ZuviVideoPlayerViewController::createWithVideoItem(v, QStringLiteral("推荐"));
+        c->setParent(&app);
+        engine.setInitialProperties({{"screen", QVariant::fromValue(c)}});
         engine.loadData(R"(
             import QtQuick
             import QtQuick.Controls
             import Zuvi
             ApplicationWindow {
-                property var firstVideo
+                required property ZuviVideoPlayerViewController screen
                 width: 1024; height: 768; visible: true
-                StackView {
+                VideoPlayerPage {
+                    objectName: "page"
                     anchors.fill: parent
-                    initialItem: VideoPlayerPage {
-                        objectName: "page"
-                        videoItem: firstVideo
-                        sourceTitle: "推荐"
-                    }
+                    controller: screen
                 }
             })");
         window = qobject_cast<QQuickWindow *>(engine.rootObjects().value(0));
@@ -164,7 +157,9 @@ int main(int argc, char **argv)
             QCoreApplication::exit(4);
             return;
         }
-        c = page->property("controller").value<ZuviVideoPlayerViewController *>();
+        // As the navigation stack does on a push.
+        c->loadViewIfNeeded();
+        c->viewWillAppear();
         QObject::connect(c, &ZuviVideoPlayerViewController::moviePlayerChanged, c, [c] {
             if (c->moviePlayer())
                 say("playing " + c->pendingPlayURL().toString());

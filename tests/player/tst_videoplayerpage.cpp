@@ -59,20 +59,29 @@ void TestVideoPlayerPage::initTestCase()
 
 void TestVideoPlayerPage::pageShowsPlayerErrorAndForwardsKeys()
 {
+    // Declared first so that it outlives the page that shows it.
+    std::unique_ptr<ZuviVideoPlayerViewController> screen;
     QQmlApplicationEngine engine;
     // Qt 6.4 keeps the module's qmldir under :/Zuvi/, outside the default paths.
     engine.addImportPath(QStringLiteral("qrc:/"));
+    ZuviVideoItem item;
+    item.bvid = QStringLiteral("BV1page");
+    item.aid = 7;
+    item.cid = 70;
+    item.title = QStringLiteral("列表里的标题");
+    screen.reset(ZuviVideoPlayerViewController::createWithVideoItem(item, QStringLiteral("推荐")));
+    engine.setInitialProperties({{"screen", QVariant::fromValue(screen.get())}});
     engine.loadData(R"(
         import QtQuick
         import QtQuick.Controls
         import Zuvi
         ApplicationWindow {
+            required property ZuviVideoPlayerViewController screen
             width: 800; height: 600; visible: true
             VideoPlayerPage {
                 objectName: "page"
                 anchors.fill: parent
-                videoItem: ({ bvid: "BV1page", aid: 7, cid: 70, title: "页面测试" })
-                sourceTitle: "推荐"
+                controller: screen
             }
         })");
     QCOMPARE(engine.rootObjects().size(), 1);
@@ -80,11 +89,16 @@ void TestVideoPlayerPage::pageShowsPlayerErrorAndForwardsKeys()
     QVERIFY(window);
     auto *page = window->findChild<QQuickItem *>("page");
     QVERIFY(page);
-    auto *c = page->property("controller").value<ZuviVideoPlayerViewController *>();
-    QVERIFY(c);
+    auto *c = screen.get();
+    QCOMPARE(page->property("controller").value<ZuviVideoPlayerViewController *>(), c);
+    QCOMPARE(c->pageUrl(), QUrl("qrc:/Zuvi/VideoPlayerPage.qml"));
+    // As the navigation stack does on a push.
+    c->loadViewIfNeeded();
+    c->viewWillAppear();
     auto *container = page->findChild<QQuickItem *>("playerContainer");
     QCOMPARE(c->playerContainer(), container);
     QCOMPARE(c->danmakuOverlay()->parentItem(), container);
+    QCOMPARE(c->title(), QStringLiteral("视频播放"));
 
     // The address is asked for, the movie is created, and QMediaPlayer's
     // failure on it comes back as the inline error with a retry.

@@ -1,4 +1,7 @@
 #include "../net/zuviclienttestfixture.h"
+#include "app/zuvinavigationcontroller.h"
+#include "app/zuviunavailableviewcontroller.h"
+#include "browse/zuvivideoscreenopener.h"
 #include "danmaku/zuvidanmakuoverlayview.h"
 #include "player/zuvivideoplayerviewcontroller.h"
 #include "zuviscriptedmovieplayer.h"
@@ -90,6 +93,7 @@ private slots:
     void previewTextsAndLocalDanmaku();
     void logPanelKeepsLastEightLines();
     void angles();
+    void openingFromAListPushesTheScreen();
     void edgePanLeavesFullscreen_data();
     void edgePanLeavesFullscreen();
 
@@ -133,8 +137,8 @@ void TestVideoPlayerViewController::cleanup()
 
 void TestVideoPlayerViewController::makeController(const ZuviVideoItem &item)
 {
-    c = std::make_unique<Controller>(f->client.get(), &f->scheduler, f->defaults.get(),
-                                     [this](QObject *parent) {
+    c = std::make_unique<Controller>(item, QStringLiteral("推荐"), f->client.get(), &f->scheduler,
+                                     f->defaults.get(), [this](QObject *parent) {
                                          auto *p = new ZuviScriptedMoviePlayer(parent);
                                          p->setNaturalSize(QSizeF(1280, 720));
                                          players.append(p);
@@ -142,7 +146,6 @@ void TestVideoPlayerViewController::makeController(const ZuviVideoItem &item)
                                      });
     c->setPlayerContainer(container);
     c->setMovieView(movieView);
-    c->initWithVideoItem(item, QStringLiteral("推荐"));
 }
 
 void TestVideoPlayerViewController::answerNormally()
@@ -156,7 +159,7 @@ void TestVideoPlayerViewController::startPlaying()
 {
     answerNormally();
     makeController();
-    c->viewDidLoad();
+    c->loadViewIfNeeded();
     c->viewWillAppear();
     QTRY_VERIFY(c->moviePlayer() != nullptr);
     QTRY_COMPARE(c->danmakuItems().size(), 2);
@@ -242,7 +245,7 @@ void TestVideoPlayerViewController::addressRequestWalksPreferredOrder()
     });
     f->server.setAnswer("*", kDanmakuPath, ZuviScriptedAnswer::text(kDanmakuXml, "text/xml"));
     makeController();
-    c->viewDidLoad();
+    c->loadViewIfNeeded();
     QTRY_VERIFY(c->moviePlayer());
     QStringList qualities;
     for (const auto &r : f->server.requests(kPlayURLPath)) {
@@ -264,7 +267,7 @@ void TestVideoPlayerViewController::normalStartShowsStateTextsInOrder()
         if (texts.isEmpty() || texts.constLast() != line)
             texts << line;
     });
-    c->viewDidLoad();
+    c->loadViewIfNeeded();
     c->viewWillAppear();
     QTRY_VERIFY(c->moviePlayer());
     auto *player = lastPlayer();
@@ -303,7 +306,7 @@ void TestVideoPlayerViewController::detailAnswerAfterReentryIsIgnored()
     sentinel.delayMs = 600;
     f->server.setAnswer("*", kDanmakuPath, sentinel);
     makeController();
-    c->viewDidLoad();
+    c->loadViewIfNeeded();
     const int firstNumber = c->detailRequestID();
     c->viewWillDisappear();
     c->viewWillAppear();
@@ -328,7 +331,7 @@ void TestVideoPlayerViewController::fallbackDetailAndPageChoice()
     f->answerJson(kPlayURLPath, playJson(32));
     f->server.setAnswer("*", kDanmakuPath, ZuviScriptedAnswer::text(kDanmakuXml, "text/xml"));
     makeController(listItem(777));
-    c->viewDidLoad();
+    c->loadViewIfNeeded();
     QTRY_VERIFY(c->moviePlayer());
     QVERIFY(c->detail());
     QCOMPARE(c->detail()->danmakuCountText, QStringLiteral("--"));
@@ -341,7 +344,7 @@ void TestVideoPlayerViewController::fallbackDetailAndPageChoice()
     QVERIFY(!Controller::fallbackDetailFromVideoItem(listItem(0)));
     c.reset();
     makeController(listItem(0));
-    c->viewDidLoad();
+    c->loadViewIfNeeded();
     QTRY_VERIFY(c->isRetryVisible());
     QCOMPARE(c->stateText(), QStringLiteral("啥都木有"));
     QCOMPARE(c->retryTitle(), QStringLiteral("重试获取"));
@@ -403,7 +406,7 @@ void TestVideoPlayerViewController::retry()
     f->answerJson(kPlayURLPath, failure == "address" ? dashOnlyJson() : playJson(64));
     f->server.setAnswer("*", kDanmakuPath, ZuviScriptedAnswer::text(kDanmakuXml, "text/xml"));
     makeController(failure == "detail" ? listItem(0) : listItem());
-    c->viewDidLoad();
+    c->loadViewIfNeeded();
     if (failure == "movie") {
         QTRY_VERIFY(c->moviePlayer());
         lastPlayer()->finish(Player::FinishReasonPlaybackError);
@@ -590,7 +593,7 @@ void TestVideoPlayerViewController::danmakuLoadingIsTaggedWithPlaybackRequest()
         return ZuviScriptedAnswer::text("<i></i>", "text/xml");
     });
     makeController();
-    c->viewDidLoad();
+    c->loadViewIfNeeded();
     QTRY_VERIFY(c->moviePlayer());
     c->selectPage(2);
     QCOMPARE(c->loadingCID(), 502);
@@ -666,6 +669,37 @@ void TestVideoPlayerViewController::angles()
     c->setInterfaceRotation(kPi / 2);
     // A half turn in all reads as π before the sign flips.
     QVERIFY(std::abs(c->fullscreenDanmakuCorrectionAngleForContainerView(container) + kPi) < 1e-9);
+}
+
+void TestVideoPlayerViewController::openingFromAListPushesTheScreen()
+{
+    answerNormally();
+    ZuviNavigationController navigation(new ZuviUnavailableViewController("推荐"), &f->scheduler);
+    QPointer<Controller> screen;
+    ZuviVideoScreenOpener::setFactory([&](const ZuviVideoItem &item, const QString &title) {
+        screen = new Controller(item, title, f->client.get(), &f->scheduler, f->defaults.get(),
+                                [this](QObject *parent) {
+                                    auto *p = new ZuviScriptedMoviePlayer(parent);
+                                    players.append(p);
+                                    return p;
+                                });
+        return screen.data();
+    });
+    QVERIFY(ZuviVideoScreenOpener::open(&navigation, listItem(), QStringLiteral("推荐")));
+    ZuviVideoScreenOpener::setFactory({});
+    QCOMPARE(navigation.depth(), 2);
+    QVERIFY(screen);
+    QCOMPARE(navigation.topViewController(), screen.data());
+    QVERIFY(screen->hidesBottomBarWhenPushed());
+    QCOMPARE(screen->sourceTitle(), QStringLiteral("推荐"));
+    // The stack loaded the screen and made it appear: it plays.
+    QTRY_VERIFY(screen->moviePlayer());
+    // Exit on the inline end view goes back one screen.
+    lastPlayer()->finish(Player::FinishReasonPlaybackEnded);
+    QVERIFY(screen->isPlaybackEndVisible());
+    screen->playbackEndExitTapped();
+    QCOMPARE(navigation.depth(), 1);
+    QVERIFY(!screen || !screen->acceptsMediaCallbacks());
 }
 
 void TestVideoPlayerViewController::edgePanLeavesFullscreen_data()
