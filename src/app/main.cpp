@@ -2,11 +2,13 @@
 // delegate, which builds everything else.
 #include "app/zuviappdelegate.h"
 #include "app/zuvidebuglog.h"
+#include "browse/zuvivideoscreenopener.h"
 #include "net/zuviapiclient.h"
 #include "platform/zuvidefaults.h"
 #include "platform/zuvilaunchoptions.h"
 #include "platform/zuvinotificationcenter.h"
 #include "platform/zuvischeduler.h"
+#include "player/zuvivideoplayerviewcontroller.h"
 
 #include <QGuiApplication>
 #include <QQmlApplicationEngine>
@@ -40,6 +42,14 @@ int main(int argc, char *argv[])
     services.log = ZuviDebugLog::sharedLog();
     services.endpoints = ZuviEndpoints::shared();
     services.infoDictionary = ZuviAppDelegate::bundledInfoDictionary();
+
+    // Opening a video from any list pushes the video screen.
+    ZuviVideoScreenOpener::setFactory(
+        [services](const ZuviVideoItem &item, const QString &sourceTitle) -> ZuviViewController * {
+            return new ZuviVideoPlayerViewController(
+                item, sourceTitle, services.client, services.scheduler, services.defaults,
+                ZuviVideoPlayerViewController::mediaPlayerFactory());
+        });
 
     QQmlEngine engine;
     ZuviAppDelegate delegate(services);
