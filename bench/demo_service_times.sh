@@ -8,7 +8,9 @@ build=${1:-build}
 bin="$build/bin/oldzuvi-demo-service"
 media="$build/media"
 work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
+pid=
+# A failure half-way must not leave a service running.
+trap '[ -n "$pid" ] && kill "$pid" 2>/dev/null; rm -rf "$work"' EXIT
 
 median() { sort -n | awk '{a[NR]=$1} END {m = NR % 2 ? a[(NR+1)/2] : (a[NR/2]+a[NR/2+1])/2; printf "%.2f", m}'; }
 
@@ -23,7 +25,7 @@ start_service() {
   read -r line <&3
   base=${line##* }
 }
-stop_service() { kill "$pid"; wait "$pid" 2>/dev/null || true; exec 3<&-; }
+stop_service() { kill "$pid"; wait "$pid" 2>/dev/null || true; pid=; exec 3<&-; }
 
 startup=() first=()
 for _ in $(seq 20); do
