@@ -117,7 +117,7 @@ const QList<int> kDanmakuSizes = {25, 25, 25, 18, 36};
 
 QString hex(quint64 value, int width)
 {
-    return QStringLiteral("%1").arg(value, width, 16, QLatin1Char('0')).right(width);
+    return QString::number(value, 16).rightJustified(width, QLatin1Char('0')).right(width);
 }
 
 // A count spread over many orders of magnitude, as real counts are.
@@ -565,21 +565,42 @@ QByteArray ZuviDemoContent::danmakuDocument(qint64 cid, const QList<ZuviDemoDanm
 {
     QByteArray xml;
     xml.reserve(128 + items.size() * 96);
-    xml += "<?xml version=\"1.0\" encoding=\"UTF-8\"?><i><cid>" + QByteArray::number(cid) +
-           "</cid><count>" + QByteArray::number(items.size()) + "</count>";
-    // Texts repeat a lot in a dense document; each is escaped once.
+    xml.append("<?xml version=\"1.0\" encoding=\"UTF-8\"?><i><cid>")
+        .append(QByteArray::number(cid))
+        .append("</cid><count>")
+        .append(QByteArray::number(items.size()))
+        .append("</count>");
+    // Texts repeat a lot in a dense document; each is escaped once. The
+    // document is written piece by piece into one buffer, since a dense one
+    // holds thousands of items.
     QHash<QString, QByteArray> escaped;
     for (const ZuviDemoDanmaku &item : items) {
         auto text = escaped.find(item.text);
         if (text == escaped.end())
             text = escaped.insert(item.text, item.text.toHtmlEscaped().toUtf8());
-        xml += "<d p=\"" + QByteArray::number(item.time, 'f', 3) + ',' +
-               QByteArray::number(item.mode) + ',' + QByteArray::number(item.fontSize) + ',' +
-               QByteArray::number(item.color) + ',' + QByteArray::number(item.sentAt) + ",0," +
-               item.userHash.toLatin1() + ',' + QByteArray::number(item.id) + "\">" + *text +
-               "</d>";
+        const qint64 millis = qRound64(item.time * 1000.0);
+        const QByteArray fraction = QByteArray::number(millis % 1000 + 1000);
+        xml.append("<d p=\"")
+            .append(QByteArray::number(millis / 1000))
+            .append('.')
+            .append(fraction.constData() + 1, 3)
+            .append(',')
+            .append(QByteArray::number(item.mode))
+            .append(',')
+            .append(QByteArray::number(item.fontSize))
+            .append(',')
+            .append(QByteArray::number(item.color))
+            .append(',')
+            .append(QByteArray::number(item.sentAt))
+            .append(",0,")
+            .append(item.userHash.toLatin1())
+            .append(',')
+            .append(QByteArray::number(item.id))
+            .append("\">")
+            .append(*text)
+            .append("</d>");
     }
-    xml += "</i>";
+    xml.append("</i>");
     return xml;
 }
 

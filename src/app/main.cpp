@@ -5,11 +5,13 @@
 #include "app/zuvifirstpageprobe.h"
 #include "config/zuviremoteconfig.h"
 #include "images/zuviimageloader.h"
+#include "browse/zuvivideoscreenopener.h"
 #include "net/zuviapiclient.h"
 #include "platform/zuvidefaults.h"
 #include "platform/zuvilaunchoptions.h"
 #include "platform/zuvinotificationcenter.h"
 #include "platform/zuvischeduler.h"
+#include "player/zuvivideoplayerviewcontroller.h"
 
 #include <QDateTime>
 #include <QElapsedTimer>
@@ -90,6 +92,14 @@ int main(int argc, char *argv[])
     services.remoteConfig = ZuviRemoteConfig::sharedConfig();
     services.endpoints = ZuviEndpoints::shared();
     services.infoDictionary = ZuviAppDelegate::bundledInfoDictionary();
+
+    // Opening a video from any list pushes the video screen.
+    ZuviVideoScreenOpener::setFactory(
+        [services](const ZuviVideoItem &item, const QString &sourceTitle) -> ZuviViewController * {
+            return new ZuviVideoPlayerViewController(
+                item, sourceTitle, services.client, services.scheduler, services.defaults,
+                ZuviVideoPlayerViewController::mediaPlayerFactory());
+        });
 
     QQmlEngine engine;
     ZuviAppDelegate delegate(services);

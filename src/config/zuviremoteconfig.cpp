@@ -65,7 +65,10 @@ ZuviRemoteConfig::ZuviRemoteConfig(ZuviDefaults *defaults, ZuviNotificationCente
 ZuviRemoteConfig::~ZuviRemoteConfig()
 {
     m_scheduler->cancelAll(this);
-    // No answer may reach the queue while it is being torn down.
+    // Answers still being handled may want to ask the next source; once
+    // closing, nothing new is sent, so the transport can go and the queue drain.
+    m_closing.storeRelease(1);
+    m_networkQueue->waitForDone();
     m_transport.reset();
     m_networkQueue->waitForDone();
 }
@@ -199,6 +202,8 @@ void ZuviRemoteConfig::fetchFromSources(const QStringList &sources, int index,
             request.setHeader("If-Modified-Since", m_lastModified.toUtf8());
     }
 
+    if (m_closing.loadAcquire())
+        return;
     ZuviWorkQueue *queue = m_networkQueue.get();
     m_transport->send(request, [this, queue, sources, index, completion](
                                    const ZuviHTTPResponse &response, const ZuviError &error) {

@@ -4,6 +4,7 @@
 #include "zuviremoteconfigmessage.h"
 #include "zuviremoteconfigoptions.h"
 
+#include <QAtomicInt>
 #include <QByteArray>
 #include <QJsonObject>
 #include <QMutex>
@@ -136,6 +137,7 @@ private:
     quint64 m_generation = 0;
     bool m_running = false;
 
+    QAtomicInt m_closing;
     std::unique_ptr<ZuviWorkQueue> m_networkQueue;
     std::unique_ptr<ZuviHTTPTransport> m_transport;
 };

@@ -29,7 +29,10 @@ ZuviImageLoader::ZuviImageLoader(ZuviDebugLog *log, const ZuviEndpoints &endpoin
 
 ZuviImageLoader::~ZuviImageLoader()
 {
-    // No answer may reach the image queue once it is being torn down.
+    // Work still queued may want to start a fallback transfer; once closing,
+    // nothing new is sent, so the transport can go and the queue drain.
+    m_closing.storeRelease(1);
+    m_imageQueue->waitForDone();
     m_transport.reset();
     m_imageQueue->waitForDone();
 }
@@ -160,6 +163,8 @@ void ZuviImageLoader::startTransfer(const ZuviURLRequest &request, TransferHandl
 
 void ZuviImageLoader::sendNow(const PendingTransfer &transfer)
 {
+    if (m_closing.loadAcquire())
+        return;
     ZuviWorkQueue *queue = m_imageQueue.get();
     const TransferHandler handler = transfer.handler;
     m_transport->send(transfer.request, [this, queue, handler](const ZuviHTTPResponse &response,
@@ -222,9 +227,9 @@ void ZuviImageLoader::clearAllCaches()
 
 void ZuviImageLoader::didReceiveMemoryWarning()
 {
-    // The URL cache keeps its answers on disk and holds no memory worth
-    // releasing; the decoded images are what a memory warning is about.
-    clearMemoryCache();
+    // Everything the loader keeps goes: the decoded images and the stored
+    // answers, which are fetched again on the next load.
+    clearAllCaches();
 }
 
 int ZuviImageLoader::memoryCacheCount() const

@@ -4,6 +4,7 @@
 #include "platform/zuviendpoints.h"
 #include "platform/zuvierror.h"
 
+#include <QAtomicInt>
 #include <QCache>
 #include <QImage>
 #include <QMutex>
@@ -66,7 +67,7 @@ public:
     void clearURLCache();
     // The settings screen's clear-cache action: both caches.
     void clearAllCaches();
-    // What the application does on a memory warning: drop the decoded images.
+    // The application's memory-warning entry point: empties both caches too.
     void didReceiveMemoryWarning();
     // Number of decoded images held, and whether a key is held (for tests and the settings screen).
     int memoryCacheCount() const;
@@ -120,6 +121,7 @@ private:
     int m_activeTransfers = 0;
     std::deque<PendingTransfer> m_waitingTransfers;
 
+    QAtomicInt m_closing;
     std::unique_ptr<ZuviWorkQueue> m_imageQueue;
     std::unique_ptr<ZuviHTTPTransport> m_transport;
 };

@@ -133,7 +133,7 @@ ZuviVideoContentParser::parseDanmakuItemsFromData(const QByteArray &data, ZuviEr
                            QStringLiteral("弹幕 XML 解析失败：%1").arg(parser.errorString()));
         return std::nullopt;
     }
-    QList<ZuviDanmakuItem> items = parser.items();
+    QList<ZuviDanmakuItem> items = parser.takeItems();
     ZuviDanmakuXMLParser::sortByTime(items);
     return items;
 }

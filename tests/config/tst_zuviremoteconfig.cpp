@@ -3,8 +3,8 @@
 #include "net/zuvihttptransport.h"
 #include "platform/zuvinotificationcenter.h"
 #include "platform/zuvivirtualscheduler.h"
-#include "support/zuvitesthttpserver.h"
-#include "support/zuvitestsupport.h"
+#include "zuvitesthttpserver.h"
+#include "zuvitestsupport.h"
 
 #include <QJsonDocument>
 #include <QtTest>
@@ -65,6 +65,7 @@ private slots:
     void requestTimeoutFailsOver();
     void cacheSurvivesRestart();
     void badCacheIgnored();
+    void destroyedWithRequestInFlight();
 
 private:
     struct Refresh {
@@ -579,6 +580,20 @@ void TestZuviRemoteConfig::badCacheIgnored()
     QVERIFY(result.error.isNull());
     QVERIFY(!m_server->requests().first().hasHeader("If-None-Match"));
     QVERIFY(m_notes.isEmpty());
+}
+
+void TestZuviRemoteConfig::destroyedWithRequestInFlight()
+{
+    ZuviScriptedAnswer slowFailure = status(500);
+    slowFailure.delayMs = 300;
+    m_server->setAnswer("GET", "/a.json", slowFailure);
+    m_server->setAnswer("GET", "/b.json", document(kDocumentB));
+    startService({url("/a.json"), url("/b.json")});
+    QTRY_COMPARE(m_server->requestCount("/a.json"), 1);
+    m_config.reset();
+    QTest::qWait(500); // the failure arrives after the service is gone
+    QCOMPARE(m_server->requestCount("/b.json"), 0);
+    QCOMPARE(count(ZuviRemoteConfig::kDidUpdateNotification), 0);
 }
 
 QTEST_GUILESS_MAIN(TestZuviRemoteConfig)

@@ -2,8 +2,8 @@
 #include "images/zuviimageloader.h"
 #include "net/zuvihttptransport.h"
 #include "platform/zuvinotificationcenter.h"
-#include "support/zuvitesthttpserver.h"
-#include "support/zuvitestsupport.h"
+#include "zuvitesthttpserver.h"
+#include "zuvitestsupport.h"
 
 #include <QBuffer>
 #include <QNetworkDiskCache>
@@ -56,7 +56,10 @@ private slots:
     void nilCompletionStillFillsCache();
     void neverMoreThanTwoTransfers();
     void memoryCacheHoldsEightyEntries();
-    void urlCacheAnswersRepeatedLoadButNotAPIRequests();
+    void urlCacheAnswersRepeatedLoad_data();
+    void urlCacheAnswersRepeatedLoad();
+    void transportCachesOnlyRequestsThatAllowIt();
+    void destroyedWithLoadsInFlight();
 
 private:
     Delivery *load(const QVariant &url, bool lowQuality = false);
@@ -331,8 +334,16 @@ void TestZuviImageLoader::memoryCacheHoldsEightyEntries()
     QCOMPARE(m_loader->memoryCacheCount(), 0);
 }
 
-void TestZuviImageLoader::urlCacheAnswersRepeatedLoadButNotAPIRequests()
+void TestZuviImageLoader::urlCacheAnswersRepeatedLoad_data()
 {
+    QTest::addColumn<bool>("memoryWarning");
+    QTest::newRow("settings clear-cache action") << false;
+    QTest::newRow("memory warning") << true;
+}
+
+void TestZuviImageLoader::urlCacheAnswersRepeatedLoad()
+{
+    QFETCH(bool, memoryWarning);
     QTemporaryDir cacheDir;
     auto *diskCache = new QNetworkDiskCache;
     diskCache->setCacheDirectory(cacheDir.path());
@@ -351,28 +362,68 @@ void TestZuviImageLoader::urlCacheAnswersRepeatedLoadButNotAPIRequests()
     QCOMPARE(fromDisk->image.size(), QSize(9, 9));
     QCOMPARE(m_server->requestCount(), 1);
 
-    // The settings screen's action empties both, so the picture is fetched again.
-    m_loader->clearAllCaches();
+    // Both entry points empty both caches, so the picture is fetched again.
+    if (memoryWarning)
+        m_loader->didReceiveMemoryWarning();
+    else
+        m_loader->clearAllCaches();
     QCOMPARE(m_loader->memoryCacheCount(), 0);
     Delivery *refetched = load(url("/d.png"));
     QTRY_VERIFY(refetched->delivered);
     QVERIFY(!refetched->image.isNull());
     QCOMPARE(m_server->requestCount(), 2);
+}
 
-    // A transport with a URL cache still sends uncached requests every time.
+void TestZuviImageLoader::transportCachesOnlyRequestsThatAllowIt()
+{
+    QTemporaryDir cacheDir;
     ZuviHTTPTransport transport;
-    auto *apiCache = new QNetworkDiskCache;
-    apiCache->setCacheDirectory(cacheDir.filePath("api"));
-    transport.setCache(apiCache);
+    auto *cache = new QNetworkDiskCache;
+    cache->setCacheDirectory(cacheDir.path());
+    transport.setCache(cache);
     m_server->setAnswer("GET", "/api", ZuviScriptedAnswer::json("{}"));
-    for (int i = 0; i < 2; ++i) {
-        ZuviURLRequest request;
-        request.url = QUrl(url("/api"));
-        QAtomicInt done;
-        transport.send(request, [&done](const ZuviHTTPResponse &, const ZuviError &) { done = 1; });
-        QTRY_VERIFY(done.loadAcquire());
-    }
+    m_server->setAnswer("GET", "/picture", imageAnswer());
+    auto sendTwice = [&](const QString &path, bool allowsCache) {
+        for (int i = 0; i < 2; ++i) {
+            ZuviURLRequest request;
+            request.url = QUrl(url(path));
+            request.allowsCache = allowsCache;
+            QAtomicInt done;
+            ZuviHTTPResponse answer;
+            transport.send(request, [&](const ZuviHTTPResponse &response, const ZuviError &) {
+                answer = response;
+                done = 1;
+            });
+            QTRY_VERIFY(done.loadAcquire());
+            QCOMPARE(answer.statusCode, 200);
+        }
+    };
+    // API requests go to the network every time, even with a cache present.
+    sendTwice("/api", false);
     QCOMPARE(m_server->requestCount("/api"), 2);
+    sendTwice("/picture", true);
+    QCOMPARE(m_server->requestCount("/picture"), 1);
+    transport.clearCache();
+    sendTwice("/picture", true);
+    QCOMPARE(m_server->requestCount("/picture"), 2);
+}
+
+void TestZuviImageLoader::destroyedWithLoadsInFlight()
+{
+    // Thumbnails fail slowly, so fallbacks are due just as the loader goes.
+    m_server->setFallbackHandler([](const ZuviRecordedRequest &) {
+        ZuviScriptedAnswer answer = ZuviScriptedAnswer::text("<h1>404</h1>", "text/html", 404);
+        answer.delayMs = 30;
+        return answer;
+    });
+    for (int i = 0; i < 6; ++i)
+        load(url(QStringLiteral("/gone%1.png").arg(i)));
+    QTRY_VERIFY(m_server->requestCount() >= 2);
+    m_loader.reset();
+    const int sent = m_server->requestCount();
+    QCoreApplication::processEvents();
+    QTest::qWait(100); // answers that were on the way arrive and find no loader
+    QCOMPARE(m_server->requestCount(), sent);
 }
 
 QTEST_MAIN(TestZuviImageLoader)

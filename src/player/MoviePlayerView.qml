@@ -1,0 +1,128 @@
+import QtQuick
+import QtQuick.Controls
+import QtQuick.Layouts
+import QtMultimedia
+import Zuvi
+
+// The movie's own view: the picture and the embedded controls. The player
+// moves this whole item into the window's root while fullscreen, so the
+// controls travel with the picture. Everything is forwarded to the screen's
+// controller, which owns the player.
+Rectangle {
+    id: root
+
+    required property ZuviVideoPlayerViewController controller
+    readonly property ZuviMoviePlayer player: controller.moviePlayer
+    readonly property bool fullscreen: player !== null && player.fullscreen
+
+    color: "black"
+
+    function timeText(seconds) {
+        if (!(seconds > 0))
+            return "0:00"
+        const s = Math.floor(seconds)
+        const m = Math.floor(s / 60)
+        const h = Math.floor(m / 60)
+        const ss = (s % 60 < 10 ? "0" : "") + (s % 60)
+        if (h > 0)
+            return h + ":" + ((m % 60) < 10 ? "0" : "") + (m % 60) + ":" + ss
+        return m + ":" + ss
+    }
+
+    VideoOutput {
+        objectName: "videoOutput"
+        anchors.fill: parent
+        fillMode: VideoOutput.PreserveAspectFit
+    }
+
+    // A swipe to the right that starts at the left edge leaves fullscreen.
+    DragHandler {
+        id: edgePan
+        enabled: root.fullscreen
+        target: null
+        xAxis.enabled: true
+        yAxis.enabled: false
+        property bool fromEdge: false
+        onActiveChanged: {
+            if (active) {
+                fromEdge = centroid.pressPosition.x
+                        <= root.controller.fullscreenEdgeZoneWidth(root.width)
+                return
+            }
+            if (fromEdge)
+                root.controller.fullscreenEdgeExitPanRecognized(
+                            centroid.position.x - centroid.pressPosition.x,
+                            centroid.velocity.x)
+            fromEdge = false
+        }
+    }
+
+    // Done leaves fullscreen; the player reports it as the user's exit.
+    Button {
+        objectName: "doneButton"
+        visible: root.fullscreen
+        text: "完成"
+        anchors { top: parent.top; left: parent.left; margins: 12 }
+        z: 3
+        onClicked: root.player.userExitFullscreen()
+    }
+
+    Rectangle {
+        id: controls
+        objectName: "playerControls"
+        visible: root.player !== null
+        z: 3
+        anchors { left: parent.left; right: parent.right; bottom: parent.bottom }
+        height: 40
+        color: "#a0000000"
+
+        RowLayout {
+            anchors.fill: parent
+            anchors.leftMargin: 6
+            anchors.rightMargin: 6
+            spacing: 6
+
+            ToolButton {
+                objectName: "playPauseButton"
+                text: root.player && root.player.playing ? "❚❚" : "▶"
+                palette.buttonText: "white"
+                onClicked: root.controller.togglePlayPause()
+            }
+            Label {
+                objectName: "elapsedLabel"
+                color: "white"
+                text: root.timeText(root.player ? root.player.currentPlaybackTime : 0)
+            }
+            Slider {
+                id: seekBar
+                objectName: "seekBar"
+                Layout.fillWidth: true
+                from: 0
+                to: root.player && root.player.duration > 0 ? root.player.duration : 1
+                // Follows the clock except while the user drags it.
+                value: pressed ? value : (root.player ? root.player.currentPlaybackTime || 0 : 0)
+                onMoved: root.controller.seekTo(value)
+            }
+            Label {
+                objectName: "totalLabel"
+                color: "white"
+                text: root.timeText(root.player ? root.player.duration : 0)
+            }
+            Switch {
+                objectName: "danmakuSwitch"
+                checked: root.controller.danmakuEnabled
+                onToggled: root.controller.danmakuEnabled = checked
+            }
+            Label {
+                color: "white"
+                text: "弹幕"
+            }
+            ToolButton {
+                objectName: "fullscreenButton"
+                text: root.fullscreen ? "⤡" : "⤢"
+                palette.buttonText: "white"
+                onClicked: root.controller.toggleFullscreen()
+            }
+        }
+    }
+}

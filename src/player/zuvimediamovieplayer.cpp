@@ -1,0 +1,192 @@
+#include "zuvimediamovieplayer.h"
+
+#include <QLoggingCategory>
+#include <QMediaMetaData>
+#include <QTimer>
+
+#include <cmath>
+
+Q_LOGGING_CATEGORY(lcZuviPlayer, "zuvi.player")
+
+ZuviMediaMoviePlayer::ZuviMediaMoviePlayer(QObject *parent) : ZuviMoviePlayer(parent)
+{
+    m_player.setAudioOutput(&m_audio);
+    connect(&m_player, &QMediaPlayer::mediaStatusChanged, this,
+            &ZuviMediaMoviePlayer::mediaStatusChanged);
+    connect(&m_player, &QMediaPlayer::bufferProgressChanged, this,
+            &ZuviMediaMoviePlayer::updateLoadState);
+    connect(&m_player, &QMediaPlayer::playbackStateChanged, this,
+            &ZuviMoviePlayer::playbackStateDidChange);
+    connect(&m_player, &QMediaPlayer::positionChanged, this, &ZuviMoviePlayer::timeChanged);
+    connect(&m_player, &QMediaPlayer::durationChanged, this, &ZuviMoviePlayer::timeChanged);
+    connect(&m_player, &QMediaPlayer::playbackRateChanged, this, &ZuviMoviePlayer::rateChanged);
+    connect(&m_player, &QMediaPlayer::errorOccurred, this,
+            [this](QMediaPlayer::Error error, const QString &text) {
+                if (error == QMediaPlayer::NoError || m_finished)
+                    return;
+                qCWarning(lcZuviPlayer) << "playback error" << text;
+                m_finished = true;
+                emit playbackDidFinish(FinishReasonPlaybackError);
+            });
+}
+
+ZuviMediaMoviePlayer::~ZuviMediaMoviePlayer()
+{
+    m_player.stop();
+    m_player.setVideoOutput(nullptr);
+}
+
+void ZuviMediaMoviePlayer::setContentURL(const QUrl &url)
+{
+    m_initialTimeApplied = false;
+    m_finished = false;
+    m_player.setSource(url);
+}
+
+void ZuviMediaMoviePlayer::setView(QQuickItem *view)
+{
+    m_view = view;
+    QObject *output = view ? view->findChild<QObject *>(QStringLiteral("videoOutput")) : nullptr;
+    m_player.setVideoOutput(output);
+}
+
+QSizeF ZuviMediaMoviePlayer::naturalSize() const
+{
+    return m_player.metaData().value(QMediaMetaData::Resolution).toSize();
+}
+
+void ZuviMediaMoviePlayer::play()
+{
+    // Playing again after the end starts over, as a replay would.
+    if (m_player.mediaStatus() == QMediaPlayer::EndOfMedia)
+        m_player.setPosition(0);
+    m_finished = false;
+    m_player.play();
+}
+
+void ZuviMediaMoviePlayer::pause()
+{
+    m_player.pause();
+}
+
+void ZuviMediaMoviePlayer::stop()
+{
+    m_player.stop();
+}
+
+void ZuviMediaMoviePlayer::seek(double seconds)
+{
+    const double target = std::max(0.0, seconds);
+    m_seekState =
+        target >= currentPlaybackTime() ? PlaybackSeekingForward : PlaybackSeekingBackward;
+    emit playbackStateDidChange();
+    m_player.setPosition(qint64(target * 1000));
+    // QMediaPlayer seeks without reporting when it is done; the seeking
+    // state lasts until control returns to the event loop.
+    QTimer::singleShot(0, this, &ZuviMediaMoviePlayer::endSeek);
+}
+
+void ZuviMediaMoviePlayer::endSeek()
+{
+    if (m_seekState == PlaybackStopped)
+        return;
+    m_seekState = PlaybackStopped;
+    emit playbackStateDidChange();
+}
+
+double ZuviMediaMoviePlayer::currentPlaybackTime() const
+{
+    if (m_player.source().isEmpty())
+        return std::nan("");
+    return m_player.position() / 1000.0;
+}
+
+ZuviMoviePlayer::PlaybackState ZuviMediaMoviePlayer::playbackState() const
+{
+    if (m_seekState != PlaybackStopped)
+        return m_seekState;
+    switch (m_player.playbackState()) {
+    case QMediaPlayer::PlayingState:
+        // A player that wants to play but has run out of data is interrupted.
+        return m_player.mediaStatus() == QMediaPlayer::StalledMedia ? PlaybackInterrupted
+                                                                    : PlaybackPlaying;
+    case QMediaPlayer::PausedState:
+        return PlaybackPaused;
+    case QMediaPlayer::StoppedState:
+        break;
+    }
+    return PlaybackStopped;
+}
+
+void ZuviMediaMoviePlayer::setFullscreen(bool fullscreen, bool animated)
+{
+    Q_UNUSED(animated) // the window switches at once on the desktop
+    if (fullscreen == m_fullscreen)
+        return;
+    if (fullscreen) {
+        emit willEnterFullscreen();
+        m_fullscreen = true;
+        placeViewForFullscreen(true);
+        emit fullscreenChanged();
+        emit didEnterFullscreen();
+        return;
+    }
+    emit willExitFullscreen();
+    m_fullscreen = false;
+    placeViewForFullscreen(false);
+    emit fullscreenChanged();
+    emit didExitFullscreen();
+}
+
+double ZuviMediaMoviePlayer::currentPlaybackRate() const
+{
+    return m_player.playbackRate();
+}
+
+void ZuviMediaMoviePlayer::setCurrentPlaybackRate(double rate)
+{
+    m_player.setPlaybackRate(rate);
+}
+
+int ZuviMediaMoviePlayer::loadStateForStatus(QMediaPlayer::MediaStatus status, float bufferProgress)
+{
+    switch (status) {
+    case QMediaPlayer::LoadedMedia:
+    case QMediaPlayer::BufferedMedia:
+    case QMediaPlayer::EndOfMedia:
+        return LoadStatePlayable | LoadStatePlaythroughOK;
+    case QMediaPlayer::BufferingMedia:
+        return bufferProgress >= 1.0f ? LoadStatePlayable | LoadStatePlaythroughOK
+                                      : LoadStatePlayable;
+    case QMediaPlayer::StalledMedia:
+        return LoadStateStalled;
+    case QMediaPlayer::NoMedia:
+    case QMediaPlayer::LoadingMedia:
+    case QMediaPlayer::InvalidMedia:
+        break;
+    }
+    return LoadStateUnknown;
+}
+
+void ZuviMediaMoviePlayer::mediaStatusChanged(QMediaPlayer::MediaStatus status)
+{
+    if (status == QMediaPlayer::LoadedMedia && !m_initialTimeApplied) {
+        m_initialTimeApplied = true;
+        if (m_initialPlaybackTime > 0)
+            m_player.setPosition(qint64(m_initialPlaybackTime * 1000));
+    }
+    updateLoadState();
+    if (status == QMediaPlayer::EndOfMedia && !m_finished) {
+        m_finished = true;
+        emit playbackDidFinish(FinishReasonPlaybackEnded);
+    }
+}
+
+void ZuviMediaMoviePlayer::updateLoadState()
+{
+    const int state = loadStateForStatus(m_player.mediaStatus(), m_player.bufferProgress());
+    if (state == m_loadState)
+        return;
+    m_loadState = state;
+    emit loadStateDidChange();
+}

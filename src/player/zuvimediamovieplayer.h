@@ -1,0 +1,60 @@
+#pragma once
+
+#include "zuvimovieplayer.h"
+
+#include <QAudioOutput>
+#include <QMediaPlayer>
+
+// The movie player of the running app: a QMediaPlayer whose picture goes to
+// the VideoOutput inside the view (the child whose objectName is
+// "videoOutput"). Media status and buffering become the load-state bits; the
+// end of the media and playback errors become finishes.
+class ZuviMediaMoviePlayer : public ZuviMoviePlayer
+{
+    Q_OBJECT
+public:
+    explicit ZuviMediaMoviePlayer(QObject *parent = nullptr);
+    ~ZuviMediaMoviePlayer() override;
+
+    void setContentURL(const QUrl &url) override;
+    QUrl contentURL() const override { return m_player.source(); }
+    void setInitialPlaybackTime(double seconds) override { m_initialPlaybackTime = seconds; }
+    double initialPlaybackTime() const override { return m_initialPlaybackTime; }
+    void setView(QQuickItem *view) override;
+    QQuickItem *view() const override { return m_view; }
+    QSizeF naturalSize() const override;
+
+    void play() override;
+    void pause() override;
+    void stop() override;
+    void seek(double seconds) override;
+
+    double currentPlaybackTime() const override;
+    double duration() const override { return m_player.duration() / 1000.0; }
+    PlaybackState playbackState() const override;
+    int loadState() const override { return m_loadState; }
+
+    bool isFullscreen() const override { return m_fullscreen; }
+    void setFullscreen(bool fullscreen, bool animated) override;
+
+    double currentPlaybackRate() const override;
+    void setCurrentPlaybackRate(double rate) override;
+
+    // Load-state bits for a media status and buffer level.
+    static int loadStateForStatus(QMediaPlayer::MediaStatus status, float bufferProgress);
+
+private:
+    void mediaStatusChanged(QMediaPlayer::MediaStatus status);
+    void updateLoadState();
+    void endSeek();
+
+    QMediaPlayer m_player;
+    QAudioOutput m_audio;
+    QPointer<QQuickItem> m_view;
+    double m_initialPlaybackTime = 0;
+    bool m_initialTimeApplied = false;
+    int m_loadState = LoadStateUnknown;
+    bool m_fullscreen = false;
+    bool m_finished = false;
+    PlaybackState m_seekState = PlaybackStopped; // a seeking state while a seek runs
+};

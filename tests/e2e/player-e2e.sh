@@ -1,0 +1,65 @@
+#!/usr/bin/env bash
+# End-to-end run of the video screen under Xvfb against the demo service:
+# screenshots of playing, after a seek, fullscreen and back inline, then
+# (with --measure) whole-process CPU and peak memory of the app playing the
+# 720p clip with its danmaku for 60 s beside a bare Qt player of the same file.
+# Usage: tests/e2e/player-e2e.sh BUILD_DIR OUT_DIR [--measure]
+set -euo pipefail
+
+build=$(cd "${1:?usage: player-e2e.sh BUILD_DIR OUT_DIR [--measure]}" && pwd)
+out=${2:?usage: player-e2e.sh BUILD_DIR OUT_DIR [--measure]}
+measure=${3:-}
+root=$(cd "$(dirname "$0")/../.." && pwd)
+port=${OLDZUVI_E2E_PORT:-18470}
+mkdir -p "$out"
+out=$(cd "$out" && pwd)
+
+"$root/demo/make-media.sh" "$build/media" >/dev/null
+endpoints="$out/endpoints.json"
+rm -f "$endpoints"
+"$build/bin/oldzuvi-demo-service" --port "$port" --data "$out/demo-data" \
+  --media "$build/media" --write-endpoints "$endpoints" >"$out/demo-service.log" 2>&1 &
+service=$!
+trap 'kill $service 2>/dev/null || true; wait $service 2>/dev/null || true' EXIT
+for _ in $(seq 100); do [ -s "$endpoints" ] && break; sleep 0.05; done
+
+xvfb() { xvfb-run -a -s "-screen 0 1280x800x24" "$@"; }
+driver="$build/bin/zuvi-player-e2e"
+
+xvfb "$driver" --endpoints "$endpoints" --out "$out" | tee "$out/steps.txt"
+
+[ "$measure" = "--measure" ] || exit 0
+
+# Median of per-second CPU (percent of one core) and peak resident memory of
+# the process that runs the player (the child of xvfb-run's shell).
+sample() {
+  local label=$1
+  shift
+  xvfb "$@" >"$out/$label.log" 2>&1 &
+  local wrapper=$! pid=""
+  for _ in $(seq 100); do
+    pid=$(pgrep -n -f "^$driver" || true)
+    [ -n "$pid" ] && break
+    sleep 0.1
+  done
+  local hz prev now samples=()
+  hz=$(getconf CLK_TCK)
+  prev=$(awk '{print $14+$15}' "/proc/$pid/stat")
+  local peak=0
+  while kill -0 "$pid" 2>/dev/null; do
+    sleep 1
+    now=$(awk '{print $14+$15}' "/proc/$pid/stat" 2>/dev/null) || break
+    peak=$(awk '/VmHWM/ {print $2}' "/proc/$pid/status" 2>/dev/null || echo "$peak")
+    samples+=($(( (now - prev) * 100 / hz )))
+    prev=$now
+  done
+  wait "$wrapper" || true
+  local median
+  median=$(printf '%s\n' "${samples[@]:5}" | sort -n | awk '{a[NR]=$1} END {print a[int((NR+1)/2)]}')
+  echo "$label: median CPU ${median}% of one core over ${#samples[@]} s (first 5 s skipped), peak RSS $((peak / 1024)) MB"
+}
+
+sample app "$driver" --endpoints "$endpoints" --out "$out/measure" --measure 60 | tee "$out/measure.txt"
+# The bare player plays exactly the file the app played.
+clip=$(grep -o 'playing http[^ ]*' "$out/app.log" | head -1 | cut -d' ' -f2)
+sample bare "$driver" --bare "$clip" --measure 60 | tee -a "$out/measure.txt"
