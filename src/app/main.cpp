@@ -3,9 +3,9 @@
 #include "app/zuviappdelegate.h"
 #include "app/zuvidebuglog.h"
 #include "app/zuvifirstpageprobe.h"
+#include "browse/zuvivideoscreenopener.h"
 #include "config/zuviremoteconfig.h"
 #include "images/zuviimageloader.h"
-#include "browse/zuvivideoscreenopener.h"
 #include "net/zuviapiclient.h"
 #include "platform/zuvidefaults.h"
 #include "platform/zuvilaunchoptions.h"
@@ -63,19 +63,23 @@ int main(int argc, char *argv[])
 {
     QElapsedTimer sinceMain;
     sinceMain.start();
-    QGuiApplication app(argc, argv);
-    QGuiApplication::setApplicationName(QStringLiteral("oldzuvi"));
-    QGuiApplication::setOrganizationName(QStringLiteral("oldzuvi"));
-
+    // Options are read before any window system is touched, so a bad
+    // endpoints file is reported even where no display is available.
+    QStringList arguments;
+    for (int i = 0; i < argc; ++i)
+        arguments.append(QString::fromLocal8Bit(argv[i]));
     ZuviLaunchOptions options;
     ZuviError error;
-    if (!ZuviLaunchOptions::parse(QGuiApplication::arguments(),
-                                  QProcessEnvironment::systemEnvironment(), &options, &error)) {
+    if (!ZuviLaunchOptions::parse(arguments, QProcessEnvironment::systemEnvironment(), &options,
+                                  &error)) {
         QTextStream(stderr) << "oldzuvi: " << error.message << "\n"
                             << "usage: oldzuvi [--endpoints FILE] [--idiom pad|phone] "
                                "[--settings FILE]\n";
         return 2;
     }
+    QGuiApplication app(argc, argv);
+    QGuiApplication::setApplicationName(QStringLiteral("oldzuvi"));
+    QGuiApplication::setOrganizationName(QStringLiteral("oldzuvi"));
     options.apply();
 
     ZuviAppDelegate::Services services;
