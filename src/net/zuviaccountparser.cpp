@@ -21,15 +21,10 @@ QString ZuviAccountParser::parseActionMessageFromData(const QByteArray &data, Zu
 std::optional<ZuviAccountParser::LoginQRCode>
 ZuviAccountParser::parseLoginQRCodeFromData(const QByteArray &data, ZuviError *error)
 {
-    const auto root = ZuviAPIClient::jsonRootDictionaryFromData(data, error);
+    const auto root = ZuviAPIClient::serviceRootDictionaryFromData(
+        data, QStringLiteral("二维码生成接口返回错误"), error);
     if (!root)
         return std::nullopt;
-    const ZuviError serviceError = ZuviAPIClient::serviceErrorFromRootDictionary(
-        *root, QStringLiteral("二维码生成接口返回错误"));
-    if (serviceError.hasError()) {
-        *error = serviceError;
-        return std::nullopt;
-    }
     const QJsonObject dataObject = root->value("data").toObject();
     LoginQRCode result{ZuviAPIClient::stringFromObject(dataObject.value("url")),
                        ZuviAPIClient::stringFromObject(dataObject.value("qrcode_key"))};
@@ -97,15 +92,10 @@ std::optional<ZuviUserProfile> ZuviAccountParser::parseUserProfileFromData(const
 std::optional<QJsonObject> ZuviAccountParser::parseRelationStatFromData(const QByteArray &data,
                                                                         ZuviError *error)
 {
-    const auto root = ZuviAPIClient::jsonRootDictionaryFromData(data, error);
+    const auto root = ZuviAPIClient::serviceRootDictionaryFromData(
+        data, QStringLiteral("关系统计接口返回错误"), error);
     if (!root)
         return std::nullopt;
-    const ZuviError serviceError = ZuviAPIClient::serviceErrorFromRootDictionary(
-        *root, QStringLiteral("关系统计接口返回错误"));
-    if (serviceError.hasError()) {
-        *error = serviceError;
-        return std::nullopt;
-    }
     if (!root->value("data").isObject()) {
         *error = ZuviAPIClient::errorWithCode(702, QStringLiteral("关系统计接口缺少 data 字段"));
         return std::nullopt;

@@ -382,6 +382,21 @@ ZuviError ZuviAPIClient::serviceErrorFromRootDictionary(const QJsonObject &root,
     return errorWithCode(int(code), message.isEmpty() ? fallbackMessage : message);
 }
 
+std::optional<QJsonObject>
+ZuviAPIClient::serviceRootDictionaryFromData(const QByteArray &data, const QString &fallbackMessage,
+                                             ZuviError *error)
+{
+    std::optional<QJsonObject> root = jsonRootDictionaryFromData(data, error);
+    if (!root)
+        return std::nullopt;
+    const ZuviError serviceError = serviceErrorFromRootDictionary(*root, fallbackMessage);
+    if (serviceError.hasError()) {
+        *error = serviceError;
+        return std::nullopt;
+    }
+    return root;
+}
+
 bool ZuviAPIClient::developerModeEnabled() const
 {
     return m_developerModeForced || m_defaults->boolForKey(kDeveloperModeKey);

@@ -147,6 +147,11 @@ public:
     // Returns the null error for code 0.
     static ZuviError serviceErrorFromRootDictionary(const QJsonObject &root,
                                                     const QString &fallbackMessage);
+    // The root dictionary of a body whose envelope says success; nothing,
+    // with the error set, when the body is no JSON object or "code" is not 0.
+    static std::optional<QJsonObject> serviceRootDictionaryFromData(const QByteArray &data,
+                                                                    const QString &fallbackMessage,
+                                                                    ZuviError *error);
     bool developerModeEnabled() const;
     // Turns developer mode on for this process without touching the stored
     // preference (the command-line client's --developer-mode).

@@ -126,15 +126,10 @@ QString subtitleFor(const std::optional<ZuviVideoItem> &video, const RowParts &p
 std::optional<ZuviFollowingFeedParser::Page>
 ZuviFollowingFeedParser::parseFollowingFeedFromData(const QByteArray &data, ZuviError *error)
 {
-    const auto root = ZuviAPIClient::jsonRootDictionaryFromData(data, error);
+    const auto root = ZuviAPIClient::serviceRootDictionaryFromData(
+        data, QStringLiteral("关注动态接口返回错误"), error);
     if (!root)
         return std::nullopt;
-    const ZuviError serviceError = ZuviAPIClient::serviceErrorFromRootDictionary(
-        *root, QStringLiteral("关注动态接口返回错误"));
-    if (serviceError.hasError()) {
-        *error = serviceError;
-        return std::nullopt;
-    }
     const QJsonObject dataObject = object(*root, "data");
     if (!root->value("data").isObject() || !dataObject.value("items").isArray()) {
         *error = ZuviAPIClient::errorWithCode(721, QStringLiteral("关注动态接口缺少 items 字段"));

@@ -26,15 +26,10 @@ QString firstDurlAddress(const QJsonObject &data)
 std::optional<ZuviVideoDetail>
 ZuviVideoContentParser::parseVideoDetailFromData(const QByteArray &data, ZuviError *error)
 {
-    const auto root = ZuviAPIClient::jsonRootDictionaryFromData(data, error);
+    const auto root = ZuviAPIClient::serviceRootDictionaryFromData(
+        data, QStringLiteral("视频详情接口返回错误"), error);
     if (!root)
         return std::nullopt;
-    const ZuviError serviceError = ZuviAPIClient::serviceErrorFromRootDictionary(
-        *root, QStringLiteral("视频详情接口返回错误"));
-    if (serviceError.hasError()) {
-        *error = serviceError;
-        return std::nullopt;
-    }
     std::optional<ZuviVideoDetail> detail =
         ZuviVideoDetail::detailWithViewDictionary(root->value("data"));
     if (!detail)
@@ -142,15 +137,10 @@ QList<ZuviCommentItem> ZuviVideoContentParser::parseCommentsFromData(const QByte
                                                                      const QString &listName,
                                                                      ZuviError *error)
 {
-    const auto root = ZuviAPIClient::jsonRootDictionaryFromData(data, error);
+    const auto root = ZuviAPIClient::serviceRootDictionaryFromData(
+        data, QStringLiteral("%1接口返回错误").arg(listName), error);
     if (!root)
         return {};
-    const ZuviError serviceError = ZuviAPIClient::serviceErrorFromRootDictionary(
-        *root, QStringLiteral("%1接口返回错误").arg(listName));
-    if (serviceError.hasError()) {
-        *error = serviceError;
-        return {};
-    }
     std::optional<QJsonArray> replies;
     const QJsonValue dataValue = root->value("data");
     if (dataValue.isObject()) {

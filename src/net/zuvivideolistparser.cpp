@@ -24,21 +24,6 @@ QList<ZuviVideoItem> itemsFromArray(const QJsonArray &array, const Factory &fact
     return items;
 }
 
-// Root dictionary and service envelope; nothing when either fails.
-std::optional<QJsonObject> checkedRoot(const QByteArray &data, const QString &fallback,
-                                       ZuviError *error)
-{
-    std::optional<QJsonObject> root = ZuviAPIClient::jsonRootDictionaryFromData(data, error);
-    if (!root)
-        return std::nullopt;
-    const ZuviError serviceError = ZuviAPIClient::serviceErrorFromRootDictionary(*root, fallback);
-    if (serviceError.hasError()) {
-        *error = serviceError;
-        return std::nullopt;
-    }
-    return root;
-}
-
 // "data" → "list" parsed with the popular factory: popular and ranking share it.
 QList<ZuviVideoItem> dataListVideos(const QJsonObject &root, int missingCode,
                                     const QString &missingMessage, ZuviError *error)
@@ -82,7 +67,8 @@ QList<ZuviVideoItem> ZuviVideoListParser::parsePopularVideosFromData(const QByte
 QList<ZuviVideoItem> ZuviVideoListParser::parseRankingVideosFromData(const QByteArray &data,
                                                                      ZuviError *error)
 {
-    const auto root = checkedRoot(data, QStringLiteral("分区榜单接口返回错误"), error);
+    const auto root = ZuviAPIClient::serviceRootDictionaryFromData(
+        data, QStringLiteral("分区榜单接口返回错误"), error);
     if (!root)
         return {};
     return dataListVideos(*root, 501, QStringLiteral("分区榜单缺少列表字段"), error);
@@ -91,7 +77,8 @@ QList<ZuviVideoItem> ZuviVideoListParser::parseRankingVideosFromData(const QByte
 QList<ZuviVideoItem> ZuviVideoListParser::parseLegacyRankingVideosFromData(const QByteArray &data,
                                                                            ZuviError *error)
 {
-    const auto root = checkedRoot(data, QStringLiteral("旧分区榜单接口返回错误"), error);
+    const auto root = ZuviAPIClient::serviceRootDictionaryFromData(
+        data, QStringLiteral("旧分区榜单接口返回错误"), error);
     if (!root)
         return {};
     const QJsonValue dataValue = root->value("data");
@@ -111,7 +98,8 @@ QList<ZuviVideoItem> ZuviVideoListParser::parseLegacyRankingVideosFromData(const
 QList<ZuviVideoItem> ZuviVideoListParser::parseSearchVideosFromData(const QByteArray &data,
                                                                     ZuviError *error)
 {
-    const auto root = checkedRoot(data, QStringLiteral("搜索接口返回错误"), error);
+    const auto root = ZuviAPIClient::serviceRootDictionaryFromData(
+        data, QStringLiteral("搜索接口返回错误"), error);
     if (!root)
         return {};
     const QJsonValue result = root->value("data").toObject().value("result");
@@ -126,7 +114,8 @@ QList<ZuviVideoItem> ZuviVideoListParser::parseFlexibleVideosFromData(const QByt
                                                                       const QString &listName,
                                                                       ZuviError *error)
 {
-    const auto root = checkedRoot(data, QStringLiteral("%1接口返回错误").arg(listName), error);
+    const auto root = ZuviAPIClient::serviceRootDictionaryFromData(
+        data, QStringLiteral("%1接口返回错误").arg(listName), error);
     if (!root)
         return {};
     const std::optional<QJsonArray> list = firstVideoArrayFromDataDictionary(root->value("data"));
@@ -141,7 +130,8 @@ QList<ZuviVideoItem> ZuviVideoListParser::parseFlexibleVideosFromData(const QByt
 qint64 ZuviVideoListParser::parseFirstFavoriteMediaIDFromData(const QByteArray &data,
                                                               ZuviError *error)
 {
-    const auto root = checkedRoot(data, QStringLiteral("收藏夹列表接口返回错误"), error);
+    const auto root = ZuviAPIClient::serviceRootDictionaryFromData(
+        data, QStringLiteral("收藏夹列表接口返回错误"), error);
     if (!root)
         return 0;
     const QJsonValue list = root->value("data").toObject().value("list");
