@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# End-to-end run of the video screen under Xvfb against the demo service:
+# End-to-end run of the app under Xvfb against the demo service: the first
+# video of the recommended grid is opened, then
 # screenshots of playing, after a seek, fullscreen and back inline, then
 # (with --measure) whole-process CPU and peak memory of the app playing the
 # 720p clip with its danmaku for 60 s beside a bare Qt player of the same file.

@@ -1,5 +1,5 @@
-// Drives the video screen against a running demo service, in a real window:
-// opens the first recommended video, lets it play with danmaku, seeks with
+// Drives the application against a running demo service, in a real window:
+// taps the first video of the recommended grid, lets it play with danmaku, seeks with
 // the arrow key, enters fullscreen with F and leaves with Esc, saving a
 // screenshot after each step and printing what the screen reported.
 // With --measure SECONDS it only plays (replaying at the end) for that long,
@@ -9,10 +9,18 @@
 // Usage: zuvi-player-e2e --endpoints FILE --out DIR [--measure SECONDS]
 //        zuvi-player-e2e --bare URL --measure SECONDS
 
+#include "app/zuviappdelegate.h"
+#include "app/zuvidebuglog.h"
+#include "app/zuvinavigationcontroller.h"
+#include "app/zuvitabbarcontroller.h"
+#include "browse/zuvivideogridviewcontroller.h"
+#include "browse/zuvivideoscreenopener.h"
 #include "danmaku/zuvidanmakuoverlayview.h"
 #include "net/zuviapiclient.h"
 #include "platform/zuvidefaults.h"
 #include "platform/zuviendpoints.h"
+#include "platform/zuvinotificationcenter.h"
+#include "platform/zuvischeduler.h"
 #include "player/zuvivideoplayerviewcontroller.h"
 
 #include <QCommandLineParser>
@@ -105,15 +113,41 @@ int main(int argc, char **argv)
     }
     ZuviEndpoints::setShared(endpoints);
 
-    QQmlApplicationEngine engine;
-    engine.addImportPath(QStringLiteral("qrc:/"));
-    QQuickWindow *window = nullptr;
+    // The application as oldzuvi starts it: the shell, its tabs and the
+    // recommended grid, with the video screen behind the grid's taps.
+    ZuviAppDelegate::Services services;
+    services.client = ZuviAPIClient::sharedClient();
+    services.defaults = ZuviDefaults::standardDefaults();
+    services.center = ZuviNotificationCenter::defaultCenter();
+    services.scheduler = ZuviScheduler::sharedScheduler();
+    services.log = ZuviDebugLog::sharedLog();
+    services.endpoints = ZuviEndpoints::shared();
+    services.infoDictionary = ZuviAppDelegate::bundledInfoDictionary();
+    ZuviVideoScreenOpener::setFactory(
+        [services](const ZuviVideoItem &item, const QString &title) -> ZuviViewController * {
+            return new ZuviVideoPlayerViewController(
+                item, title, services.client, services.scheduler, services.defaults,
+                ZuviVideoPlayerViewController::mediaPlayerFactory());
+        });
+    QQmlEngine engine;
+    ZuviAppDelegate delegate(services);
+    if (!delegate.applicationDidFinishLaunching(&engine))
+        return 4;
+    auto *window = qobject_cast<QQuickWindow *>(QGuiApplication::topLevelWindows().value(0));
+    ZuviNavigationController *navigation = delegate.rootTabBarController()->viewControllerAt(0);
+    auto *grid = qobject_cast<ZuviVideoGridViewController *>(navigation->rootViewController());
+    if (!window || !grid)
+        return 4;
     ZuviVideoPlayerViewController *c = nullptr;
     Script script;
 
     const auto shot = [&](const QString &name) {
         const QString path = outDir + "/" + name + ".png";
         window->grabWindow().save(path);
+        if (!c) {
+            say(path);
+            return;
+        }
         ZuviMoviePlayer *p = c->moviePlayer();
         ZuviDanmakuOverlayView *o = c->danmakuOverlay();
         say(QString("%1: t=%2 playing=%3 fullscreen=%4 state='%5' overlay %6x%7 in %8 "
@@ -133,43 +167,20 @@ int main(int argc, char **argv)
     };
     const auto key = [&](Qt::Key k) { QTest::keyClick(window, k); };
 
-    std::function<void(const ZuviVideoItem &)> open = [&](const ZuviVideoItem &v) {
-        say(QString("opening %1 %2 cid %3").arg(v.bvid, v.title).arg(v.cid));
-        c = ZuviVideoPlayerViewController::createWithVideoItem(v, QStringLiteral("推荐"));
-        c->setParent(&app);
-        engine.setInitialProperties({{"screen", QVariant::fromValue(c)}});
-        engine.loadData(R"(
-            import QtQuick
-            import QtQuick.Controls
-            import Zuvi
-            ApplicationWindow {
-                required property ZuviVideoPlayerViewController screen
-                width: 1024; height: 768; visible: true
-                VideoPlayerPage {
-                    objectName: "page"
-                    anchors.fill: parent
-                    controller: screen
-                }
-            })");
-        window = qobject_cast<QQuickWindow *>(engine.rootObjects().value(0));
-        auto *page = window ? window->findChild<QQuickItem *>("page") : nullptr;
-        if (!page) {
+    // Taps the grid's cell at row, as the user would, and follows the screen.
+    const auto openRow = [&](int row) {
+        const ZuviVideoItem v = grid->videos().at(row);
+        say(QString("opening row %1: %2 %3 cid %4").arg(row).arg(v.bvid, v.title).arg(v.cid));
+        grid->selectItem(row);
+        c = qobject_cast<ZuviVideoPlayerViewController *>(navigation->topViewController());
+        if (!c) {
             QCoreApplication::exit(4);
             return;
         }
-        // As the navigation stack does on a push.
-        c->loadViewIfNeeded();
-        c->viewWillAppear();
         QObject::connect(c, &ZuviVideoPlayerViewController::moviePlayerChanged, c, [c] {
             if (c->moviePlayer())
                 say("playing " + c->pendingPlayURL().toString());
         });
-        QObject::connect(c, &ZuviVideoPlayerViewController::danmakuChanged, c, [c] {
-            if (!c->danmakuItems().isEmpty())
-                say(QString("danmaku %1 items").arg(c->danmakuItems().size()));
-        });
-        window->requestActivate();
-        page->forceActiveFocus();
         if (measure > 0) {
             // Replays whenever the clip ends, until the time is up.
             QObject::connect(c, &ZuviVideoPlayerViewController::playbackEndChanged, c, [c] {
@@ -193,34 +204,31 @@ int main(int argc, char **argv)
         script.run();
     };
 
-    // For measuring, the first recommended video whose danmaku document is
-    // dense (thousands of items); otherwise simply the first one.
-    QList<ZuviVideoItem> candidates;
+    // For measuring, the first cell whose danmaku document is dense
+    // (thousands of items); otherwise simply the first cell.
+    int candidate = 0;
     std::function<void()> tryNext = [&] {
-        if (candidates.isEmpty()) {
+        if (candidate >= grid->videos().size()) {
             say("no video with a dense danmaku document");
             QCoreApplication::exit(5);
             return;
         }
-        const ZuviVideoItem v = candidates.takeFirst();
+        const int row = candidate++;
         ZuviAPIClient::sharedClient()->fetchDanmakuWithCID(
-            v.cid, [&, v](const QList<ZuviDanmakuItem> &items, const ZuviError &) {
-                items.size() >= 5000 ? open(v) : tryNext();
+            grid->videos().at(row).cid,
+            [&, row](const QList<ZuviDanmakuItem> &items, const ZuviError &) {
+                items.size() >= 5000 ? openRow(row) : tryNext();
             });
     };
-    ZuviAPIClient::sharedClient()->fetchRecommendedPage(
-        1, 60, [&](const QList<ZuviVideoItem> &videos, const ZuviError &error) {
-            if (videos.isEmpty()) {
-                say("recommended: " + error.message);
-                QCoreApplication::exit(3);
-                return;
-            }
-            if (measure <= 0) {
-                open(videos.constFirst());
-                return;
-            }
-            candidates = videos;
-            tryNext();
-        });
+    // The grid loads its first page on its own; wait for it.
+    QTimer poll;
+    QObject::connect(&poll, &QTimer::timeout, &app, [&] {
+        if (grid->videos().isEmpty())
+            return;
+        poll.stop();
+        shot("0-grid");
+        measure > 0 ? tryNext() : openRow(0);
+    });
+    poll.start(200);
     return app.exec();
 }
