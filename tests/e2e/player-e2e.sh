@@ -61,6 +61,8 @@ sample() {
 }
 
 sample app "$driver" --endpoints "$endpoints" --out "$out/measure" --measure 60 | tee "$out/measure.txt"
+sample app-no-danmaku "$driver" --endpoints "$endpoints" --out "$out/measure-off" --measure 60 \
+  --no-danmaku | tee -a "$out/measure.txt"
 # The bare player plays exactly the file the app played.
 clip=$(grep -o 'playing http[^ ]*' "$out/app.log" | head -1 | cut -d' ' -f2)
 sample bare "$driver" --bare "$clip" --measure 60 | tee -a "$out/measure.txt"

@@ -2,9 +2,9 @@
 // taps the first video of the recommended grid, lets it play with danmaku, seeks with
 // the arrow key, enters fullscreen with F and leaves with Esc, saving a
 // screenshot after each step and printing what the screen reported.
-// With --measure SECONDS it only plays (replaying at the end) for that long,
-// for whole-process CPU and memory figures; --bare URL plays the same file
-// in a plain QML MediaPlayer + VideoOutput window, without danmaku or UI.
+// With --measure SECONDS it only plays (--no-danmaku: with the switch off) (replaying at the end)
+// for that long, for whole-process CPU and memory figures; --bare URL plays the same file in a
+// plain QML MediaPlayer + VideoOutput window, without danmaku or UI.
 //
 // Usage: zuvi-player-e2e --endpoints FILE --out DIR [--measure SECONDS]
 //        zuvi-player-e2e --bare URL --measure SECONDS
@@ -97,6 +97,7 @@ int main(int argc, char **argv)
     parser.addOption({"out", "screenshot directory", "dir"});
     parser.addOption({"measure", "only play for this many seconds", "seconds"});
     parser.addOption({"bare", "play this address without the app", "url"});
+    parser.addOption({"no-danmaku", "start with the danmaku switched off"});
     parser.process(app);
     const double measure = parser.value("measure").toDouble();
     if (parser.isSet("bare"))
@@ -105,6 +106,7 @@ int main(int argc, char **argv)
     const QString outDir = parser.value("out").isEmpty() ? QDir::tempPath() : parser.value("out");
     QDir().mkpath(outDir);
     ZuviDefaults::setStandardFilePath(outDir + "/defaults.ini");
+    ZuviDefaults::standardDefaults()->setBool(!parser.isSet("no-danmaku"), "ZuviDanmakuEnabled");
     ZuviEndpoints endpoints = ZuviEndpoints::defaults();
     ZuviError error;
     if (!ZuviEndpoints::loadFile(parser.value("endpoints"), &endpoints, &error)) {
@@ -167,11 +169,15 @@ int main(int argc, char **argv)
     };
     const auto key = [&](Qt::Key k) { QTest::keyClick(window, k); };
 
-    // Taps the grid's cell at row, as the user would, and follows the screen.
-    const auto openRow = [&](int row) {
-        const ZuviVideoItem v = grid->videos().at(row);
+    // Taps the grid's cell at row, as the user would (row −1: pushes the
+    // given video the same way), and follows the screen.
+    const auto openRow = [&](int row, const ZuviVideoItem &other) {
+        const ZuviVideoItem v = row >= 0 ? grid->videos().at(row) : other;
         say(QString("opening row %1: %2 %3 cid %4").arg(row).arg(v.bvid, v.title).arg(v.cid));
-        grid->selectItem(row);
+        if (row >= 0)
+            grid->selectItem(row);
+        else
+            ZuviVideoScreenOpener::open(navigation, v, grid->title());
         c = qobject_cast<ZuviVideoPlayerViewController *>(navigation->topViewController());
         if (!c) {
             QCoreApplication::exit(4);
@@ -204,20 +210,26 @@ int main(int argc, char **argv)
         script.run();
     };
 
-    // For measuring, the first cell whose danmaku document is dense
-    // (thousands of items); otherwise simply the first cell.
-    int candidate = 0;
+    // For measuring, the first recommended video whose danmaku document is
+    // dense (thousands of items), from the first three pages of the feed.
+    QList<ZuviVideoItem> candidates;
     std::function<void()> tryNext = [&] {
-        if (candidate >= grid->videos().size()) {
+        if (candidates.isEmpty()) {
             say("no video with a dense danmaku document");
             QCoreApplication::exit(5);
             return;
         }
-        const int row = candidate++;
+        const ZuviVideoItem v = candidates.takeFirst();
         ZuviAPIClient::sharedClient()->fetchDanmakuWithCID(
-            grid->videos().at(row).cid,
-            [&, row](const QList<ZuviDanmakuItem> &items, const ZuviError &) {
-                items.size() >= 5000 ? openRow(row) : tryNext();
+            v.cid, [&, v](const QList<ZuviDanmakuItem> &items, const ZuviError &) {
+                items.size() >= 5000 ? openRow(-1, v) : tryNext();
+            });
+    };
+    const auto findDense = [&] {
+        ZuviAPIClient::sharedClient()->fetchRecommendedPage(
+            1, 60, [&](const QList<ZuviVideoItem> &videos, const ZuviError &) {
+                candidates = videos;
+                tryNext();
             });
     };
     // The grid loads its first page on its own; wait for it.
@@ -227,7 +239,7 @@ int main(int argc, char **argv)
             return;
         poll.stop();
         shot("0-grid");
-        measure > 0 ? tryNext() : openRow(0);
+        measure > 0 ? findDense() : openRow(0, {});
     });
     poll.start(200);
     return app.exec();
