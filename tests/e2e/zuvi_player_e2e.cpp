@@ -1,12 +1,13 @@
 // Drives the application against a running demo service, in a real window:
-// taps the first video of the recommended grid, lets it play with danmaku, seeks with
-// the arrow key, enters fullscreen with F and leaves with Esc, saving a
-// screenshot after each step and printing what the screen reported.
-// With --measure SECONDS it only plays (--no-danmaku: with the switch off) (replaying at the end)
-// for that long, for whole-process CPU and memory figures; --bare URL plays the same file in a
-// plain QML MediaPlayer + VideoOutput window, without danmaku or UI.
+// taps the first video of the recommended grid, lets it play with danmaku,
+// seeks with the arrow key, enters fullscreen with F and leaves with Esc,
+// saving a screenshot after each step and printing what the screen reported.
+// With --measure SECONDS it only plays a video with a dense danmaku document
+// (replaying at the end) for that long, for whole-process CPU and memory
+// figures; --no-danmaku starts with the switch off; --bare URL plays the same
+// file in a plain QML MediaPlayer + VideoOutput window, without danmaku or UI.
 //
-// Usage: zuvi-player-e2e --endpoints FILE --out DIR [--measure SECONDS]
+// Usage: zuvi-player-e2e --endpoints FILE --out DIR [--measure SECONDS [--no-danmaku]]
 //        zuvi-player-e2e --bare URL --measure SECONDS
 
 #include "app/zuviappdelegate.h"
