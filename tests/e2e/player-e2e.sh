@@ -43,14 +43,17 @@ sample() {
     [ -n "$pid" ] && break
     sleep 0.1
   done
-  local hz prev now samples=()
+  local hz prev now hwm samples=()
   hz=$(getconf CLK_TCK)
   prev=$(awk '{print $14+$15}' "/proc/$pid/stat")
   local peak=0
   while kill -0 "$pid" 2>/dev/null; do
     sleep 1
     now=$(awk '{print $14+$15}' "/proc/$pid/stat" 2>/dev/null) || break
-    peak=$(awk '/VmHWM/ {print $2}' "/proc/$pid/status" 2>/dev/null || echo "$peak")
+    [ -n "$now" ] || break
+    # An exiting process has no VmHWM line any more; keep the last reading.
+    hwm=$(awk '/VmHWM/ {print $2}' "/proc/$pid/status" 2>/dev/null || true)
+    [ -n "$hwm" ] && peak=$hwm
     samples+=($(( (now - prev) * 100 / hz )))
     prev=$now
   done
