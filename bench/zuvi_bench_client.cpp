@@ -2,9 +2,14 @@
 // or reads the credential cookie, every list entry goes through the count
 // formatting.
 #include "net/zuviapiclient.h"
+#include "net/zuvifollowingfeedparser.h"
+#include "net/zuvivideolistparser.h"
 
 #include <benchmark/benchmark.h>
 
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QJsonValue>
 
 static void BM_FormBody(benchmark::State &state)
@@ -39,5 +44,89 @@ static void BM_CompactCount(benchmark::State &state)
     }
 }
 BENCHMARK(BM_CompactCount);
+
+// A popular-list body of n entries in the service's shape.
+static QByteArray popularBody(int n)
+{
+    QJsonArray list;
+    for (int i = 0; i < n; ++i)
+        list.append(
+            QJsonObject{{"bvid", QString("BV1%1xyz").arg(i)},
+                        {"title", QString("<em class=\"keyword\">视频</em> 第 %1 个").arg(i)},
+                        {"owner", QJsonObject{{"name", "UP主"}}},
+                        {"stat", QJsonObject{{"view", 12345 * i}, {"reply", i}}},
+                        {"pic", "//img.test/cover.jpg"},
+                        {"duration", 61 + i},
+                        {"aid", 1000 + i},
+                        {"cid", 2000 + i}});
+    return QJsonDocument(QJsonObject{{"code", 0}, {"data", QJsonObject{{"list", list}}}}).toJson();
+}
+
+// Parsing one page of a video list, per entry.
+static void BM_ParsePopularList(benchmark::State &state)
+{
+    const QByteArray body = popularBody(int(state.range(0)));
+    for (auto _ : state) {
+        ZuviError error;
+        benchmark::DoNotOptimize(ZuviVideoListParser::parsePopularVideosFromData(body, &error));
+    }
+    state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+BENCHMARK(BM_ParsePopularList)->Arg(20)->Arg(100);
+
+// A following-feed body mixing the five row kinds.
+static QByteArray followingBody(int n)
+{
+    QJsonArray items;
+    for (int i = 0; i < n; ++i) {
+        QJsonObject major;
+        switch (i % 5) {
+        case 0:
+            major = {{"archive",
+                      QJsonObject{{"bvid", "BV1feed"}, {"title", "视频"}, {"cover", "//i/c.jpg"}}}};
+            break;
+        case 1:
+            major = {{"live_rcmd",
+                      QJsonObject{{"content",
+                                   "{\"live_play_info\":{\"title\":\"直播\",\"online\":23456}}"}}}};
+            break;
+        case 2:
+            major = {
+                {"article", QJsonObject{{"id", i}, {"title", "专栏"}, {"desc", "一[图片]二"}}}};
+            break;
+        case 3: {
+            QJsonArray pictures;
+            for (int p = 0; p < 6; ++p)
+                pictures.append(QJsonObject{{"src", QString("//i/%1.jpg").arg(p)}});
+            major = {{"draw", QJsonObject{{"id", i}, {"items", pictures}}}};
+            break;
+        }
+        default:
+            break;
+        }
+        items.append(QJsonObject{
+            {"id_str", QString::number(i)},
+            {"modules",
+             QJsonObject{
+                 {"module_author",
+                  QJsonObject{{"name", "作者"}, {"face", "//i/f.jpg"}, {"pub_time", "刚刚"}}},
+                 {"module_dynamic",
+                  QJsonObject{{"major", major}, {"desc", QJsonObject{{"text", "说点什么"}}}}}}}});
+    }
+    return QJsonDocument(QJsonObject{{"code", 0}, {"data", QJsonObject{{"items", items}}}})
+        .toJson();
+}
+
+// Turning one feed page into rows, per item.
+static void BM_FollowingFeedRows(benchmark::State &state)
+{
+    const QByteArray body = followingBody(int(state.range(0)));
+    for (auto _ : state) {
+        ZuviError error;
+        benchmark::DoNotOptimize(ZuviFollowingFeedParser::parseFollowingFeedFromData(body, &error));
+    }
+    state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+BENCHMARK(BM_FollowingFeedRows)->Arg(60);
 
 BENCHMARK_MAIN();

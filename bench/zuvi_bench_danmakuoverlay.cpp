@@ -98,7 +98,7 @@ const QStringList &sampleTexts()
         QStringLiteral("good job"),
         QStringLiteral("空降成功"),
         QStringLiteral("弹幕护体"),
-        QStringLiteral("up主辛苦了，每一帧都是壁纸"),
+        QStringLiteral("作者辛苦了，每一帧都是壁纸"),
         QStringLiteral("what a shot, seriously"),
         QStringLiteral("？？？"),
         QStringLiteral("名场面"),
@@ -274,7 +274,7 @@ static void BM_DanmakuSeekTick(benchmark::State &state)
 }
 BENCHMARK(BM_DanmakuSeekTick)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(200);
 
-// Render-thread time of real frames (sync + render, before the swap) of a
+// Render-thread CPU time of real frames (sync + render, before the swap) of a
 // 1920×1080 window holding only the overlay, counted over frames that show
 // exactly the given number of labels: 42 (the pad cap, reached a few seconds
 // into a dense stream) or 0 (the same window's frame without danmaku, the
@@ -293,24 +293,32 @@ static void BM_DanmakuFrame(benchmark::State &state)
     overlay.setPadIdiom(true);
     overlay.setDanmakuItems(items);
 
-    std::vector<double> fullFrames;
-    fullFrames.reserve(4096);
+    // Both callbacks run on the render thread: its CPU time between them is
+    // what the frame cost that thread, whatever else the machine runs.
+    std::vector<double> frameCpu;
+    std::vector<double> frameWall;
+    frameCpu.reserve(4096);
+    frameWall.reserve(4096);
     std::atomic<int> visibleAtSync{0};
-    std::chrono::steady_clock::time_point syncStart;
+    double syncCpu = 0;
+    std::chrono::steady_clock::time_point syncWall;
     QObject::connect(
         &window, &QQuickWindow::beforeSynchronizing, &window,
         [&] {
-            syncStart = std::chrono::steady_clock::now();
+            syncWall = std::chrono::steady_clock::now();
+            syncCpu = threadCpuSeconds();
             visibleAtSync = overlay.visibleCount();
         },
         Qt::DirectConnection);
     QObject::connect(
         &window, &QQuickWindow::afterRendering, &window,
         [&] {
-            const auto end = std::chrono::steady_clock::now();
-            if (visibleAtSync == wanted)
-                fullFrames.push_back(
-                    std::chrono::duration<double, std::micro>(end - syncStart).count());
+            const double cpu = threadCpuSeconds() - syncCpu;
+            const auto wall = std::chrono::steady_clock::now() - syncWall;
+            if (visibleAtSync == wanted) {
+                frameCpu.push_back(cpu * 1e6);
+                frameWall.push_back(std::chrono::duration<double, std::micro>(wall).count());
+            }
         },
         Qt::DirectConnection);
 
@@ -334,17 +342,18 @@ static void BM_DanmakuFrame(benchmark::State &state)
         QTimer::singleShot(wanted > 0 ? 15000 : 4000, &loop, &QEventLoop::quit);
         loop.exec();
     }
-    if (fullFrames.empty()) {
+    if (frameCpu.empty()) {
         state.SkipWithError("no frame showed the wanted number of labels");
         return;
     }
     double total = 0;
-    for (double cost : fullFrames)
+    for (double cost : frameCpu)
         total += cost;
-    state.counters["frames"] = double(fullFrames.size());
-    state.counters["frame_mean_us"] = total / double(fullFrames.size());
-    state.counters["frame_median_us"] = percentile(fullFrames, 0.5);
-    state.counters["frame_p99_us"] = percentile(fullFrames, 0.99);
+    state.counters["frames"] = double(frameCpu.size());
+    state.counters["frame_cpu_mean_us"] = total / double(frameCpu.size());
+    state.counters["frame_cpu_median_us"] = percentile(frameCpu, 0.5);
+    state.counters["frame_cpu_p99_us"] = percentile(frameCpu, 0.99);
+    state.counters["frame_wall_median_us"] = percentile(frameWall, 0.5);
     state.SetLabel(QSGRendererInterface::GraphicsApi(window.rendererInterface()->graphicsApi()) ==
                            QSGRendererInterface::Software
                        ? "software"

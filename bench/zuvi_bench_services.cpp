@@ -5,12 +5,17 @@
 #include "config/zuvipropertylist.h"
 #include "config/zuviremoteconfig.h"
 #include "config/zuviremoteconfigmessage.h"
+#include "images/zuviimageloader.h"
 #include "images/zuviimageurl.h"
 
 #include <benchmark/benchmark.h>
 
+#include <QCoreApplication>
 #include <QDateTime>
+#include <QImage>
 #include <QJsonObject>
+#include <QTemporaryDir>
+#include <QThread>
 
 static void BM_ImageAddressRules(benchmark::State &state)
 {
@@ -65,4 +70,37 @@ static void BM_CacheMetadataRoundTrip(benchmark::State &state)
 }
 BENCHMARK(BM_CacheMetadataRoundTrip);
 
-BENCHMARK_MAIN();
+// A grid cell that scrolls back into view: a memory-cache hit. The cache is
+// warmed from a local file (its thumbnail address does not exist, so the
+// loader falls back to the file itself and stores it under the cell's key).
+static void BM_ImageLoaderMemoryHit(benchmark::State &state)
+{
+    QTemporaryDir dir;
+    QImage picture(320, 180, QImage::Format_RGB32);
+    picture.fill(Qt::darkCyan);
+    const QString path = dir.filePath("cover.png");
+    picture.save(path);
+    const QString address = QUrl::fromLocalFile(path).toString();
+
+    ZuviImageLoader loader(nullptr, ZuviEndpoints::defaults(), nullptr);
+    loader.loadImageWithURLString(address, ZuviImageLoader::Completion());
+    const QString key = ZuviImageLoader::normalizedURLString(address);
+    for (int i = 0; i < 500 && !loader.hasCachedImage(key); ++i)
+        QThread::msleep(2);
+    if (!loader.hasCachedImage(key)) {
+        state.SkipWithError("the cache could not be warmed");
+        return;
+    }
+    for (auto _ : state)
+        loader.loadImageWithURLString(address, ZuviImageLoader::Completion());
+}
+BENCHMARK(BM_ImageLoaderMemoryHit);
+
+int main(int argc, char **argv)
+{
+    QCoreApplication app(argc, argv);
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    return 0;
+}

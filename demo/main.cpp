@@ -11,6 +11,7 @@
 #include <QDir>
 #include <QFile>
 #include <QJsonDocument>
+#include <QLoggingCategory>
 #include <QSaveFile>
 
 #include <cstdio>
@@ -118,12 +119,14 @@ int serve(QCoreApplication &app, const QCommandLineParser &parser)
     if (!ok || options.qrLifetimeSeconds <= 0)
         return failWith(QStringLiteral("--qr-lifetime 必须是正数（秒）"));
 
+    if (parser.isSet("verbose"))
+        QLoggingCategory::setFilterRules(QStringLiteral("zuvi.demo.debug=true"));
     auto *service = new ZuviDemoService(options, ZuviScheduler::sharedScheduler(), &app);
-    for (const QString &spec : parser.values("fail")) {
+    for (const QString &switchText : parser.values("fail")) {
         QString path;
         std::optional<ZuviDemoFailure> failure;
         QString errorText;
-        if (!ZuviDemoFailureSwitches::parse(spec, &path, &failure, &errorText))
+        if (!ZuviDemoFailureSwitches::parse(switchText, &path, &failure, &errorText))
             return failWith(errorText);
         if (failure)
             service->failures().set(path, *failure);
@@ -173,8 +176,9 @@ int main(int argc, char *argv[])
         {"seed", "内容种子：同一种子生成同样的内容。", "S", "1"},
         {"media", "视频文件目录（默认 bin 旁边的 media）。", "DIR"},
         {"write-endpoints", "把客户端用的端点文件写到这里。", "FILE"},
-        {"fail", "故障开关 路径=方式[@次数]，可重复。", "SPEC"},
+        {"fail", "故障开关 路径=方式[@次数]，可重复。", "PATH=MODE"},
         {"qr-lifetime", "登录二维码的有效秒数。", "SECONDS", "180"},
+        {"verbose", "每个请求在标准错误输出一行。"},
         {"image", "announce：消息图片地址。", "URL"},
         {"dev", "announce：发布到开发者配置源。"},
         {"key", "confirm：要确认的 qrcode_key（默认最新的）。", "KEY"},

@@ -51,7 +51,8 @@ The app ($app) is not built yet; the demo service keeps running on
 http://127.0.0.1:$port until you press Ctrl-C. Things to try:
 
   $cli --endpoints $endpoints popular
-  $cli --endpoints $endpoints search 游戏
+  $cli --endpoints $endpoints search --keyword 游戏
+  $cli --endpoints $endpoints danmaku --summary --cid CID   (CID: the "cid" of any listed video)
   $cli --endpoints $endpoints login          (then: $service confirm --port $port)
   curl http://127.0.0.1:$port/config/remote_config.json
   $service announce "新消息" --port $port

@@ -53,6 +53,10 @@ const QList<QStringList> kRegionTopics = {
     {"猫猫", "狗狗", "野生动物", "萌宠日常", "水族箱"},
 };
 const QStringList kTitlePrefix = {"【4K】", "【合集】", "【新人UP】", "【高能】", "", "", "", ""};
+const QStringList kTitleHooks = {"新手也能看懂", "这次真的不一样", "挑战一百天",   "全程高能",
+                                 "从零开始",     "幕后全记录",     "一镜到底",     "周末特别篇",
+                                 "花了三个月",   "终极对比",       "十分钟讲清楚", "和粉丝一起",
+                                 "年度总结",     "第一视角",       "慢动作回放",   "冷知识合集"};
 const QStringList kTitleSuffix = {"，第一次做这种视频",
                                   "（完整版）",
                                   "！看到最后",
@@ -113,7 +117,7 @@ const QList<int> kDanmakuSizes = {25, 25, 25, 18, 36};
 
 QString hex(quint64 value, int width)
 {
-    return QStringLiteral("%1").arg(value, width, 16, QLatin1Char('0')).right(width);
+    return QString::number(value, 16).rightJustified(width, QLatin1Char('0')).right(width);
 }
 
 // A count spread over many orders of magnitude, as real counts are.
@@ -215,8 +219,8 @@ ZuviDemoVideo ZuviDemoContent::makeVideo(int index)
     video.rid = regions().at(regionIndex).rid;
     video.ownerIndex = random.below(kOwnerCount);
     const QStringList &topics = kRegionTopics.at(regionIndex);
-    video.title = random.pick(kTitlePrefix) + m_owners.at(video.ownerIndex).name.left(2) +
-                  random.pick(topics) + random.pick(kTitleSuffix);
+    video.title = random.pick(kTitlePrefix) + random.pick(topics) + QStringLiteral("：") +
+                  random.pick(kTitleHooks) + random.pick(kTitleSuffix);
     video.desc = QStringLiteral("%1 · %2\n简介：这是演示服务生成的第 %3 个视频。")
                      .arg(regions().at(regionIndex).name, random.pick(topics))
                      .arg(index + 1);
@@ -561,16 +565,42 @@ QByteArray ZuviDemoContent::danmakuDocument(qint64 cid, const QList<ZuviDemoDanm
 {
     QByteArray xml;
     xml.reserve(128 + items.size() * 96);
-    xml += "<?xml version=\"1.0\" encoding=\"UTF-8\"?><i><cid>" + QByteArray::number(cid) +
-           "</cid><count>" + QByteArray::number(items.size()) + "</count>";
+    xml.append("<?xml version=\"1.0\" encoding=\"UTF-8\"?><i><cid>")
+        .append(QByteArray::number(cid))
+        .append("</cid><count>")
+        .append(QByteArray::number(items.size()))
+        .append("</count>");
+    // Texts repeat a lot in a dense document; each is escaped once. The
+    // document is written piece by piece into one buffer, since a dense one
+    // holds thousands of items.
+    QHash<QString, QByteArray> escaped;
     for (const ZuviDemoDanmaku &item : items) {
-        xml += "<d p=\"" + QByteArray::number(item.time, 'f', 3) + ',' +
-               QByteArray::number(item.mode) + ',' + QByteArray::number(item.fontSize) + ',' +
-               QByteArray::number(item.color) + ',' + QByteArray::number(item.sentAt) + ",0," +
-               item.userHash.toLatin1() + ',' + QByteArray::number(item.id) + "\">" +
-               item.text.toHtmlEscaped().toUtf8() + "</d>";
+        auto text = escaped.find(item.text);
+        if (text == escaped.end())
+            text = escaped.insert(item.text, item.text.toHtmlEscaped().toUtf8());
+        const qint64 millis = qRound64(item.time * 1000.0);
+        const QByteArray fraction = QByteArray::number(millis % 1000 + 1000);
+        xml.append("<d p=\"")
+            .append(QByteArray::number(millis / 1000))
+            .append('.')
+            .append(fraction.constData() + 1, 3)
+            .append(',')
+            .append(QByteArray::number(item.mode))
+            .append(',')
+            .append(QByteArray::number(item.fontSize))
+            .append(',')
+            .append(QByteArray::number(item.color))
+            .append(',')
+            .append(QByteArray::number(item.sentAt))
+            .append(",0,")
+            .append(item.userHash.toLatin1())
+            .append(',')
+            .append(QByteArray::number(item.id))
+            .append("\">")
+            .append(*text)
+            .append("</d>");
     }
-    xml += "</i>";
+    xml.append("</i>");
     return xml;
 }
 

@@ -20,24 +20,24 @@ QString ZuviDemoFailure::modeName(Mode mode)
     return QString();
 }
 
-bool ZuviDemoFailureSwitches::parse(const QString &spec, QString *path,
+bool ZuviDemoFailureSwitches::parse(const QString &text, QString *path,
                                     std::optional<ZuviDemoFailure> *failure, QString *errorText)
 {
-    const int equals = spec.indexOf('=');
-    if (equals <= 0 || !spec.startsWith('/')) {
+    const int equals = text.indexOf('=');
+    if (equals <= 0 || !text.startsWith('/')) {
         *errorText =
             QStringLiteral("故障开关要写成 路径=方式，例如 /x/web-interface/popular=code:-412");
         return false;
     }
-    *path = spec.left(equals);
-    QString rest = spec.mid(equals + 1);
+    *path = text.left(equals);
+    QString rest = text.mid(equals + 1);
     int times = -1;
     const int at = rest.lastIndexOf('@');
     if (at >= 0) {
         bool ok = false;
         times = rest.mid(at + 1).toInt(&ok);
         if (!ok || times < 1) {
-            *errorText = QStringLiteral("次数必须是正整数：%1").arg(spec);
+            *errorText = QStringLiteral("次数必须是正整数：%1").arg(text);
             return false;
         }
         rest = rest.left(at);

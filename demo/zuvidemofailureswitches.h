@@ -27,7 +27,7 @@ class ZuviDemoFailureSwitches
 public:
     // Parses "PATH=MODE[:ARG][@TIMES]", the form of the --fail option:
     // slow:MS, code:N[:MESSAGE], broken, html, drop; "off" clears the path.
-    static bool parse(const QString &spec, QString *path, std::optional<ZuviDemoFailure> *failure,
+    static bool parse(const QString &text, QString *path, std::optional<ZuviDemoFailure> *failure,
                       QString *errorText);
     // Parses MODE[:ARG] alone, as the admin endpoint receives it.
     static bool parseMode(const QString &text, std::optional<ZuviDemoFailure> *failure,

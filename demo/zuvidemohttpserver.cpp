@@ -168,6 +168,7 @@ bool ZuviDemoHttpServer::takeRequest(Connection &connection, ZuviDemoRequest *re
         return false;
     }
     request->method = requestLine[0];
+    request->version = requestLine[2];
     const QByteArray target = requestLine[1];
     const int question = target.indexOf('?');
     request->path = QUrl::fromPercentEncoding(question < 0 ? target : target.left(question));
@@ -206,8 +207,10 @@ void ZuviDemoHttpServer::answer(QPointer<QTcpSocket> socket, const ZuviDemoReque
         response.acceptsRanges && request.method != "HEAD" && !request.header("Range").isEmpty()
             ? applyRange(request.header("Range"), response)
             : response;
+    // HTTP/1.0 closes after each answer unless it asks to keep the connection.
+    const QByteArray connection = request.header("Connection").toLower();
     const bool close =
-        request.header("Connection").toLower() == "close" ||
+        connection == "close" || (request.version == "HTTP/1.0" && connection != "keep-alive") ||
         response.headers.contains(qMakePair(QByteArray("Connection"), QByteArray("close")));
     QByteArray head =
         "HTTP/1.1 " + QByteArray::number(sent.status) + ' ' + reasonPhrase(sent.status) + "\r\n";

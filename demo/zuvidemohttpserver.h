@@ -20,7 +20,8 @@ using ZuviDemoHeaders = QList<QPair<QByteArray, QByteArray>>;
 // One request as it came off the wire.
 struct ZuviDemoRequest {
     QByteArray method;
-    QString path; // decoded, without the query
+    QByteArray version; // "HTTP/1.1"
+    QString path;       // decoded, without the query
     QString rawQuery;
     ZuviDemoHeaders headers;
     QByteArray body;

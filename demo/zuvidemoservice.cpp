@@ -5,13 +5,18 @@
 #include <QCryptographicHash>
 #include <QDateTime>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QLocale>
+#include <QLoggingCategory>
 #include <QRegularExpression>
 #include <QSize>
+
+// One line per request, for --verbose.
+Q_LOGGING_CATEGORY(lcDemo, "zuvi.demo", QtInfoMsg)
 
 namespace {
 // Codes of the service's own envelope. Signed-out answers use -101; the
@@ -163,8 +168,17 @@ void ZuviDemoService::registerRoutes()
 }
 
 void ZuviDemoService::handle(const ZuviDemoRequest &request,
-                             const ZuviDemoHttpServer::Responder &respond)
+                             const ZuviDemoHttpServer::Responder &answer)
 {
+    QElapsedTimer clock;
+    clock.start();
+    const ZuviDemoHttpServer::Responder respond = [request, answer,
+                                                   clock](const ZuviDemoResponse &response) {
+        qCDebug(lcDemo).noquote() << request.method << request.path << request.header("Range")
+                                  << (response.drop ? 0 : response.status) << response.body.size()
+                                  << "bytes" << clock.nsecsElapsed() / 1000 << "µs";
+        answer(response);
+    };
     // The admin endpoints and the confirmation page never fail on purpose:
     // they are how failures are switched off again.
     const bool controlPath = request.path.startsWith("/admin/") || request.path.startsWith("/qr/");

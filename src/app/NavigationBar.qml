@@ -16,6 +16,10 @@ Item {
                                       && navigation.rootViewController !== null
     readonly property bool barHidden: navigation !== null && navigation.navigationBarHidden
     readonly property real barHeight: 44
+    // The widest a title view may be: the room between the side items.
+    readonly property real centerMaximumWidth: Math.max(0, centerRightEdge - centerLeftEdge)
+    readonly property real centerLeftEdge: leftSlot.x + leftSlot.width + 8
+    readonly property real centerRightEdge: rightSlot.x - 8
 
     height: barHidden ? 0 : barHeight
     clip: true
@@ -84,11 +88,14 @@ Item {
             font.bold: true
         }
 
+        // Centred in the bar when there is room, else pushed clear of the
+        // side items, as a title view always was.
         Item {
             id: centerSlot
-            anchors.centerIn: parent
-            width: children.length > 0 ? children[0].width : 0
+            width: children.length > 0 ? Math.min(children[0].width, bar.centerMaximumWidth) : 0
             height: parent.height
+            x: Math.max(bar.centerLeftEdge,
+                        Math.min((parent.width - width) / 2, bar.centerRightEdge - width))
         }
 
         Row {

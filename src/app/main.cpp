@@ -2,7 +2,10 @@
 // delegate, which builds everything else.
 #include "app/zuviappdelegate.h"
 #include "app/zuvidebuglog.h"
+#include "app/zuvifirstpageprobe.h"
 #include "browse/zuvivideoscreenopener.h"
+#include "config/zuviremoteconfig.h"
+#include "images/zuviimageloader.h"
 #include "net/zuviapiclient.h"
 #include "platform/zuvidefaults.h"
 #include "platform/zuvilaunchoptions.h"
@@ -10,6 +13,9 @@
 #include "platform/zuvischeduler.h"
 #include "player/zuvivideoplayerviewcontroller.h"
 
+#include <QDateTime>
+#include <QElapsedTimer>
+#include <QFile>
 #include <QGuiApplication>
 #include <QQmlApplicationEngine>
 #include <QQmlExtensionPlugin>
@@ -17,21 +23,63 @@
 
 Q_IMPORT_QML_PLUGIN(ZuviPlugin)
 
+namespace {
+// Resident memory of this process in kB, from the kernel's status file.
+qint64 residentKilobytes()
+{
+    QFile status(QStringLiteral("/proc/self/status"));
+    if (!status.open(QIODevice::ReadOnly))
+        return -1;
+    for (const QByteArray &line : status.readAll().split('\n')) {
+        if (line.startsWith("VmRSS:"))
+            return line.mid(6).trimmed().split(' ').first().toLongLong();
+    }
+    return -1;
+}
+
+// With OLDZUVI_STARTUP_REPORT set, prints when the first page is on the
+// screen and how much memory is resident then; "exit" also quits, so a
+// script can time whole launches.
+void reportFirstPageIfAsked(ZuviAppDelegate *delegate, const QElapsedTimer &sinceMain)
+{
+    const QByteArray mode = qgetenv("OLDZUVI_STARTUP_REPORT");
+    if (mode.isEmpty())
+        return;
+    new ZuviFirstPageProbe(
+        delegate,
+        [mode, sinceMain] {
+            QTextStream(stdout) << "oldzuvi first-page-shown epoch_ms="
+                                << QDateTime::currentMSecsSinceEpoch()
+                                << " since_main_ms=" << sinceMain.elapsed()
+                                << " rss_kb=" << residentKilobytes() << Qt::endl;
+            if (mode == "exit")
+                QCoreApplication::quit();
+        },
+        delegate);
+}
+} // namespace
+
 int main(int argc, char *argv[])
 {
-    QGuiApplication app(argc, argv);
-    QGuiApplication::setApplicationName(QStringLiteral("oldzuvi"));
-    QGuiApplication::setOrganizationName(QStringLiteral("oldzuvi"));
-
+    QElapsedTimer sinceMain;
+    sinceMain.start();
+    // Options are read before any window system is touched, so a bad
+    // endpoints file is reported even where no display is available.
+    QStringList arguments;
+    for (int i = 0; i < argc; ++i)
+        arguments.append(QString::fromLocal8Bit(argv[i]));
     ZuviLaunchOptions options;
     ZuviError error;
-    if (!ZuviLaunchOptions::parse(QGuiApplication::arguments(),
-                                  QProcessEnvironment::systemEnvironment(), &options, &error)) {
+    if (!ZuviLaunchOptions::parse(arguments, QProcessEnvironment::systemEnvironment(), &options,
+                                  &error)) {
         QTextStream(stderr) << "oldzuvi: " << error.message << "\n"
                             << "usage: oldzuvi [--endpoints FILE] [--idiom pad|phone] "
                                "[--settings FILE]\n";
         return 2;
     }
+    QGuiApplication app(argc, argv);
+    QGuiApplication::setApplicationName(QStringLiteral("oldzuvi"));
+    QGuiApplication::setOrganizationName(QStringLiteral("oldzuvi"));
     options.apply();
 
     ZuviAppDelegate::Services services;
@@ -40,6 +88,8 @@ int main(int argc, char *argv[])
     services.center = ZuviNotificationCenter::defaultCenter();
     services.scheduler = ZuviScheduler::sharedScheduler();
     services.log = ZuviDebugLog::sharedLog();
+    services.imageLoader = ZuviImageLoader::sharedLoader();
+    services.remoteConfig = ZuviRemoteConfig::sharedConfig();
     services.endpoints = ZuviEndpoints::shared();
     services.infoDictionary = ZuviAppDelegate::bundledInfoDictionary();
 
@@ -55,5 +105,6 @@ int main(int argc, char *argv[])
     ZuviAppDelegate delegate(services);
     if (!delegate.applicationDidFinishLaunching(&engine))
         return 1;
+    reportFirstPageIfAsked(&delegate, sinceMain);
     return app.exec();
 }

@@ -1,6 +1,10 @@
 #include "zuviappdelegate.h"
 
 #include "browse/zuvivideogridviewcontroller.h"
+#include "config/zuviremoteconfig.h"
+#include "config/zuviremoteconfigoptions.h"
+#include "images/zuviimageloader.h"
+#include "images/zuviimageprovider.h"
 #include "platform/zuvidefaults.h"
 #include "platform/zuviidiom.h"
 #include "platform/zuvinotificationcenter.h"
@@ -211,6 +215,11 @@ QVariantMap ZuviAppDelegate::bundledInfoDictionary()
 
 bool ZuviAppDelegate::createWindow(QQmlEngine *engine)
 {
+    // Every picture of the pages goes through the image loader.
+    if (m_services.imageLoader &&
+        !engine->imageProvider(QString::fromLatin1(ZuviImageProvider::kProviderId)))
+        engine->addImageProvider(QString::fromLatin1(ZuviImageProvider::kProviderId),
+                                 new ZuviImageProvider(m_services.imageLoader));
     QQmlComponent component(engine,
                             ZuviViewController::modulePageUrl(QStringLiteral("AppWindow.qml")));
     const QSize size = ZuviIdiom::defaultWindowSize(ZuviIdiom::current());
@@ -229,7 +238,27 @@ bool ZuviAppDelegate::createWindow(QQmlEngine *engine)
 void ZuviAppDelegate::startRemoteConfigNotifications()
 {
     const QStringList sources = remoteConfigSourcesFromInfoDictionary();
-    if (sources.isEmpty())
+    if (sources.isEmpty() || !m_services.remoteConfig)
         return;
-    ++m_remoteConfigStartCount;
+    // Starting again replaces the running generation, so a developer-mode
+    // change switches source and cache folder in one step.
+    m_services.remoteConfig->startWithOptions(remoteConfigOptions());
+}
+
+ZuviRemoteConfigOptions ZuviAppDelegate::remoteConfigOptions() const
+{
+    ZuviRemoteConfigOptions options =
+        ZuviRemoteConfigOptions::optionsWithSources(remoteConfigSourcesFromInfoDictionary());
+    options.cacheDirectoryPath = remoteConfigCacheDirectoryPath();
+    if (const auto interval = positiveInfoNumber(QStringLiteral("ZuviRemoteConfigPollInterval")))
+        options.pollInterval = *interval;
+    if (const auto timeout = positiveInfoNumber(QStringLiteral("ZuviRemoteConfigRequestTimeout")))
+        options.requestTimeout = *timeout;
+    return options;
+}
+
+void ZuviAppDelegate::applicationDidReceiveMemoryWarning()
+{
+    if (m_services.imageLoader)
+        m_services.imageLoader->didReceiveMemoryWarning();
 }

@@ -17,6 +17,9 @@ class QQmlEngine;
 class ZuviAPIClient;
 class ZuviDebugLog;
 class ZuviDefaults;
+class ZuviImageLoader;
+class ZuviRemoteConfig;
+struct ZuviRemoteConfigOptions;
 class ZuviNavigationController;
 class ZuviNotificationCenter;
 class ZuviScheduler;
@@ -41,6 +44,9 @@ public:
         ZuviNotificationCenter *center = nullptr;
         ZuviScheduler *scheduler = nullptr;
         ZuviDebugLog *log = nullptr;
+        ZuviImageLoader *imageLoader = nullptr;
+        // Started with the bundled sources; nothing is started without one.
+        ZuviRemoteConfig *remoteConfig = nullptr;
         ZuviEndpoints endpoints;
         QVariantMap infoDictionary;
         // Where per-user caches go; empty means the platform's caches folder.
@@ -74,19 +80,22 @@ public:
     void notifyTabReselectedForViewController(QObject *controller);
 
     void startRemoteConfigNotifications();
+    // The options the configuration service is started with.
+    ZuviRemoteConfigOptions remoteConfigOptions() const;
     QStringList remoteConfigSourcesFromInfoDictionary() const;
     QString remoteConfigSourceURLString() const;
     QString remoteConfigCacheDirectoryPath() const;
     // A positive number under that information key, if there is one.
     std::optional<double> positiveInfoNumber(const QString &key) const;
     void developerModeDidChange();
+    // Pictures are the only thing worth giving back.
+    void applicationDidReceiveMemoryWarning();
 
     // The information keys bundled with the application (Info.json).
     static QVariantMap bundledInfoDictionary();
 
     ZuviTabBarController *rootTabBarController() const { return m_root; }
     QObject *window() const { return m_window; }
-    int remoteConfigStartCount() const { return m_remoteConfigStartCount; }
 
 private:
     bool developerModeEnabled() const;
@@ -95,5 +104,4 @@ private:
     Services m_services;
     ZuviTabBarController *m_root = nullptr;
     QPointer<QObject> m_window;
-    int m_remoteConfigStartCount = 0;
 };

@@ -80,6 +80,7 @@ bool ZuviNavigationController::popViewController(bool animated)
 {
     if (m_stack.size() < 2)
         return false;
+    showNavigationBarOnPhone();
     ZuviViewController *leaving = m_stack.takeLast().data();
     if (leaving)
         leaving->viewWillDisappear();
@@ -87,7 +88,6 @@ bool ZuviNavigationController::popViewController(bool animated)
         top->viewWillAppear();
     emit popped(leaving, animated);
     emit stackChanged();
-    showNavigationBarOnPhone();
     setEdgeBackPopInProgress(false);
     releaseLater(leaving);
     return true;

@@ -23,7 +23,8 @@ Rectangle {
         title: page.controller.title
         centerContent: [
             SearchField {
-                width: page.controller.searchBarWidth(page.shorterSide)
+                width: Math.min(page.controller.searchBarWidth(page.shorterSide),
+                               bar.centerMaximumWidth)
                 placeholder: page.controller.searchPlaceholder
                 text: page.controller.keyword
                 onSearchRequested: function(text) {

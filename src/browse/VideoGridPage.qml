@@ -38,7 +38,8 @@ Rectangle {
         centerContent: [
             SearchField {
                 id: searchField
-                width: page.controller.searchBarWidth(page.shorterSide)
+                width: Math.min(page.controller.searchBarWidth(page.shorterSide),
+                               bar.centerMaximumWidth)
                 placeholder: page.controller.searchPlaceholder
                 onSearchRequested: function(text) {
                     if (page.controller.searchButtonClicked(text)) {

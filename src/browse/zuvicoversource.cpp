@@ -1,10 +1,14 @@
 #include "zuvicoversource.h"
 
+#include "images/zuviimageprovider.h"
+
 ZuviCoverSource::ZuviCoverSource(QObject *parent) : QObject(parent) {}
 
 QUrl ZuviCoverSource::sourceForURL(const QString &urlString)
 {
     if (urlString.isEmpty())
         return {};
-    return QUrl(urlString);
+    // The card's cover is the loader's normal load: thumbnail address,
+    // memory cache and the full-size fallback.
+    return QUrl(ZuviImageProvider::sourceURL(QStringLiteral("normal"), urlString));
 }

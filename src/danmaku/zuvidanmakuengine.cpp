@@ -9,6 +9,7 @@
 #include <array>
 #include <climits>
 #include <cmath>
+#include <limits>
 
 namespace {
 
@@ -297,6 +298,7 @@ void ZuviDanmakuEngine::launchScrollingDanmakuItem(const ZuviDanmakuItem &item, 
     label->duration = duration;
     label->targetX = -labelWidth;
     label->flightStart = localTime(*label);
+    noteFlightStarted(*label);
     ++m_counters.launched;
 }
 
@@ -330,6 +332,7 @@ void ZuviDanmakuEngine::launchFixedDanmakuItem(const ZuviDanmakuItem &item, doub
     label->duration = fixedFadeIn + fixedHold + fixedFadeOut;
     label->targetX = x;
     label->flightStart = localTime(*label);
+    noteFlightStarted(*label);
     ++m_counters.launched;
 }
 
@@ -497,6 +500,11 @@ double ZuviDanmakuEngine::localTime(const ZuviDanmakuLabel &label) const
     return label.frozen ? label.frozenLocal : now() - label.beginOffset;
 }
 
+double ZuviDanmakuEngine::localTimeAt(const ZuviDanmakuLabel &label, double wallTime)
+{
+    return label.frozen ? label.frozenLocal : wallTime - label.beginOffset;
+}
+
 void ZuviDanmakuEngine::pauseLayer(ZuviDanmakuLabel &label) const
 {
     if (label.frozen)
@@ -529,6 +537,8 @@ void ZuviDanmakuEngine::setDanmakuPaused(bool paused)
     if (paused == m_paused)
         return;
     m_paused = paused;
+    // Frozen clocks end no flight; thawed ones end at new wall times.
+    m_nextFinishWallTime = -std::numeric_limits<double>::infinity();
     for (LabelPtr &label : m_visible) {
         if (paused)
             pauseLayer(*label);
@@ -542,18 +552,41 @@ double ZuviDanmakuEngine::flightElapsed(const ZuviDanmakuLabel &label) const
     return localTime(label) - label.flightStart;
 }
 
+double ZuviDanmakuEngine::finishWallTime(const ZuviDanmakuLabel &label)
+{
+    if (label.frozen || label.flight == ZuviDanmakuLabel::Idle)
+        return std::numeric_limits<double>::infinity();
+    return label.beginOffset + label.flightStart + label.duration;
+}
+
+void ZuviDanmakuEngine::noteFlightStarted(const ZuviDanmakuLabel &label)
+{
+    m_nextFinishWallTime = std::min(m_nextFinishWallTime, finishWallTime(label));
+}
+
 int ZuviDanmakuEngine::completeFinishedFlights()
 {
+    if (m_visible.empty())
+        return 0;
+    // One reading of the clock serves every label of this pass, and most
+    // calls (every tick and every frame) end here: no flight is due yet.
+    const double wallTime = now();
+    if (wallTime < m_nextFinishWallTime - 1e-9)
+        return 0;
     int removed = 0;
+    double nextFinish = std::numeric_limits<double>::infinity();
     for (size_t i = 0; i < m_visible.size();) {
         ZuviDanmakuLabel *label = m_visible[i].get();
-        if (label->flight != ZuviDanmakuLabel::Idle && flightElapsed(*label) >= label->duration) {
+        const double elapsed = localTimeAt(*label, wallTime) - label->flightStart;
+        if (label->flight != ZuviDanmakuLabel::Idle && elapsed >= label->duration) {
             removeVisibleLabel(label, label->tag);
             ++removed;
         } else {
+            nextFinish = std::min(nextFinish, finishWallTime(*label));
             ++i;
         }
     }
+    m_nextFinishWallTime = nextFinish;
     return removed;
 }
 

@@ -11,6 +11,7 @@
 #include <QString>
 
 #include <functional>
+#include <limits>
 #include <memory>
 #include <vector>
 
@@ -167,6 +168,10 @@ private:
     int availableLaneInArray(const std::vector<double> &lanes, double playbackTime,
                              int *cursor) const;
     double localTime(const ZuviDanmakuLabel &label) const;
+    static double localTimeAt(const ZuviDanmakuLabel &label, double wallTime);
+    // The wall time at which a running flight ends (infinity when frozen or idle).
+    static double finishWallTime(const ZuviDanmakuLabel &label);
+    void noteFlightStarted(const ZuviDanmakuLabel &label);
     void pauseLayer(ZuviDanmakuLabel &label) const;
     void resumeLayer(ZuviDanmakuLabel &label) const;
     static void resetLayerTiming(ZuviDanmakuLabel &label);
@@ -196,5 +201,8 @@ private:
     int m_nextTopLaneIndex = 0;
     int m_nextBottomLaneIndex = 0;
     quint64 m_nextSerial = 1;
+    // No flight ends before this wall time; lowered by every launch, reset
+    // by pause and resume, recomputed by every full pass over the labels.
+    double m_nextFinishWallTime = -std::numeric_limits<double>::infinity();
     Counters m_counters;
 };

@@ -227,9 +227,9 @@ void ZuviImageLoader::clearAllCaches()
 
 void ZuviImageLoader::didReceiveMemoryWarning()
 {
-    // Everything the loader keeps goes: the decoded images and the stored
-    // answers, which are fetched again on the next load.
-    clearAllCaches();
+    // Only the decoded images go: they are what costs memory, while the
+    // stored answers on disk keep the next load off the network.
+    clearMemoryCache();
 }
 
 int ZuviImageLoader::memoryCacheCount() const

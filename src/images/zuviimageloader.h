@@ -67,7 +67,7 @@ public:
     void clearURLCache();
     // The settings screen's clear-cache action: both caches.
     void clearAllCaches();
-    // The application's memory-warning entry point: empties both caches too.
+    // The application's memory-warning entry point: empties the memory cache only.
     void didReceiveMemoryWarning();
     // Number of decoded images held, and whether a key is held (for tests and the settings screen).
     int memoryCacheCount() const;

@@ -3,10 +3,9 @@
 #include <QString>
 #include <QVariant>
 
-// The text rules for picture addresses, shared by the image loader and by
-// the record parsers (which store every cover and avatar address already
-// normalised). Pure functions on strings; they live in the core library so
-// that the parsers need no UI type.
+// The text rules for picture addresses that the image loader applies. Pure
+// functions on strings, kept in the core library so that code without any UI
+// (parsers, the command-line client, benchmarks) can apply the same rules.
 class ZuviImageURL
 {
 public:

@@ -18,7 +18,6 @@
 #include <QPointer>
 
 #include <cmath>
-#include <cstdlib>
 
 const char *const ZuviAPIClient::kErrorDomain = "ZuviAPIClientErrorDomain";
 const char *const ZuviAPIClient::kCredentialCookieKey = "ZuviCredentialCookie";
@@ -43,13 +42,6 @@ const char *const kCookieHeadOrder[] = {
     "buvid4",     "buvid_fp",          "b_nut"};
 const char *const kLoginCookieNames[] = {"DedeUserID", "DedeUserID__ckMd5", "SESSDATA", "zuvi_jct"};
 
-// The leading decimal number of a text, as a number's "doubleValue" reads
-// it: "12abc" is 12, "abc" is 0.
-double leadingDouble(const QString &text)
-{
-    const QByteArray bytes = text.trimmed().toUtf8();
-    return std::strtod(bytes.constData(), nullptr);
-}
 } // namespace
 
 ZuviAPIClient::ZuviAPIClient(ZuviDefaults *defaults, ZuviDebugLog *log,
@@ -346,7 +338,8 @@ QString ZuviAPIClient::stringFromObject(const QJsonValue &value)
 
 QString ZuviAPIClient::compactCountStringFromObject(const QJsonValue &value)
 {
-    const double count = leadingDouble(stringFromObject(value));
+    // Read like a number's "doubleValue": "12abc" is 12, "abc" is 0, whatever the locale.
+    const double count = ZuviNumberText::doubleValue(stringFromObject(value));
     if (count >= 10000)
         return QString::asprintf("%.1f", count / 10000.0) + QStringLiteral("万");
     if (count > 0)

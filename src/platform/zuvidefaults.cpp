@@ -15,9 +15,12 @@ QString standardFilePath()
 {
     if (!standardPathOverride().isEmpty())
         return standardPathOverride();
-    const QString dir = QStandardPaths::writableLocation(QStandardPaths::AppConfigLocation);
-    return QDir(dir.isEmpty() ? QDir::homePath() + "/.config/oldZuvi" : dir)
-        .filePath("defaults.ini");
+    // One fixed place for every program of the project (the app, the CLI),
+    // whatever application name each one sets, so a login made in one is
+    // the login the others read.
+    const QString base = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation);
+    return QDir(base.isEmpty() ? QDir::homePath() + "/.config" : base)
+        .filePath("oldZuvi/defaults.ini");
 }
 } // namespace
 

@@ -6,11 +6,13 @@
 #include "app/zuvitabbarcontroller.h"
 #include "app/zuviviewcontroller.h"
 #include "browse/zuvivideogridviewcontroller.h"
+#include "config/zuviremoteconfig.h"
+#include "config/zuviremoteconfigoptions.h"
 #include "net/zuviapiclient.h"
 #include "platform/zuvinotificationcenter.h"
 #include "platform/zuvivirtualscheduler.h"
-#include "support/zuvitesthttpserver.h"
-#include "support/zuvitestsupport.h"
+#include "zuvitesthttpserver.h"
+#include "zuvitestsupport.h"
 
 #include <QClipboard>
 #include <QGuiApplication>
@@ -50,6 +52,7 @@ private:
     ZuviVirtualScheduler scheduler;
     std::unique_ptr<ZuviDebugLog> log;
     std::unique_ptr<ZuviAPIClient> client;
+    std::unique_ptr<ZuviRemoteConfig> config;
 
     ZuviAppDelegate::Services services(const QVariantMap &info = {})
     {
@@ -59,6 +62,7 @@ private:
         made.center = &center;
         made.scheduler = &scheduler;
         made.log = log.get();
+        made.remoteConfig = config.get();
         made.endpoints = ZuviEndpoints::allOn(server.baseUrl());
         made.endpoints.remoteConfigSource = server.urlString("/config.json");
         made.endpoints.remoteConfigDeveloperSource = server.urlString("/dev-config.json");
@@ -75,7 +79,12 @@ private slots:
         client.reset(new ZuviAPIClient(defaults.get(), log.get(), &center,
                                        ZuviEndpoints::allOn(server.baseUrl())));
     }
-    void init() { defaults.get()->setBool(false, ZuviAppDelegate::kDeveloperModeKey); }
+    void init()
+    {
+        defaults.get()->setBool(false, ZuviAppDelegate::kDeveloperModeKey);
+        config.reset(new ZuviRemoteConfig(defaults.get(), &center, &scheduler));
+    }
+    void cleanup() { config.reset(); }
 
     void startUpBuildsTheFourTabs()
     {
@@ -197,27 +206,35 @@ private slots:
             developer ? "/ZuviRemoteConfigDeveloper" : "/ZuviRemoteConfigProduction"));
     }
 
+    // Positive numbers under the information keys replace the defaults.
     void infoNumbers_data()
     {
         QTest::addColumn<QVariant>("value");
-        QTest::addColumn<double>("expected"); // 0: the default stands
-        QTest::newRow("number") << QVariant(600) << 600.0;
-        QTest::newRow("numeric text") << QVariant("90") << 90.0;
-        QTest::newRow("zero") << QVariant(0) << 0.0;
-        QTest::newRow("negative") << QVariant(-5) << 0.0;
-        QTest::newRow("text") << QVariant("soon") << 0.0;
-        QTest::newRow("missing") << QVariant() << 0.0;
+        QTest::addColumn<double>("interval");
+        QTest::addColumn<double>("timeout");
+        QTest::newRow("number") << QVariant(600) << 600.0 << 600.0;
+        QTest::newRow("numeric text") << QVariant("90") << 90.0 << 90.0;
+        QTest::newRow("zero") << QVariant(0) << 14400.0 << 30.0;
+        QTest::newRow("negative") << QVariant(-5) << 14400.0 << 30.0;
+        QTest::newRow("text") << QVariant("soon") << 14400.0 << 30.0;
+        QTest::newRow("missing") << QVariant() << 14400.0 << 30.0;
     }
     void infoNumbers()
     {
         QFETCH(QVariant, value);
-        QFETCH(double, expected);
+        QFETCH(double, interval);
+        QFETCH(double, timeout);
         QVariantMap info;
-        if (value.isValid())
+        if (value.isValid()) {
             info.insert("ZuviRemoteConfigPollInterval", value);
+            info.insert("ZuviRemoteConfigRequestTimeout", value);
+        }
         ZuviAppDelegate delegate(services(info));
-        const auto number = delegate.positiveInfoNumber("ZuviRemoteConfigPollInterval");
-        QCOMPARE(number.value_or(0), expected);
+        const ZuviRemoteConfigOptions options = delegate.remoteConfigOptions();
+        QCOMPARE(options.pollInterval, interval);
+        QCOMPARE(options.requestTimeout, timeout);
+        delegate.startRemoteConfigNotifications();
+        QCOMPARE(config->options().pollInterval, interval);
     }
 
     void bundledInfoKeys()
@@ -232,11 +249,30 @@ private slots:
     void developerModeChangeRestartsTheConfiguration()
     {
         ZuviAppDelegate delegate(services());
+        QVERIFY(!config->isRunning());
         QVERIFY(delegate.applicationDidFinishLaunching(nullptr));
-        QCOMPARE(delegate.remoteConfigStartCount(), 1);
+        QVERIFY(config->isRunning());
+        QCOMPARE(config->generation(), quint64(1));
+        QCOMPARE(config->options().sanitizedSources(),
+                 QStringList{server.urlString("/config.json")});
+        QVERIFY(config->options().cacheDirectoryPath.endsWith("/ZuviRemoteConfigProduction"));
         defaults.get()->setBool(true, ZuviAppDelegate::kDeveloperModeKey);
         center.post(ZuviAppDelegate::kDeveloperModeDidChangeNotification);
-        QCOMPARE(delegate.remoteConfigStartCount(), 2);
+        QCOMPARE(config->generation(), quint64(2));
+        QCOMPARE(config->options().sanitizedSources(),
+                 QStringList{server.urlString("/dev-config.json")});
+        QVERIFY(config->options().cacheDirectoryPath.endsWith("/ZuviRemoteConfigDeveloper"));
+    }
+
+    void withoutAnySourceNothingStarts()
+    {
+        ZuviAppDelegate::Services none = services();
+        none.endpoints.remoteConfigSource.clear();
+        ZuviAppDelegate delegate(none);
+        QVERIFY(delegate.remoteConfigSourcesFromInfoDictionary().isEmpty());
+        QVERIFY(delegate.applicationDidFinishLaunching(nullptr));
+        QVERIFY(!config->isRunning());
+        QCOMPARE(config->generation(), quint64(0));
     }
 
     void debugLogScreen()

@@ -5,12 +5,14 @@
 #include "app/zuviunavailableviewcontroller.h"
 #include "browse/zuvisearchresultsviewcontroller.h"
 #include "browse/zuvivideogridviewcontroller.h"
+#include "images/zuviimageloader.h"
+#include "images/zuviimageprovider.h"
 #include "net/zuviapiclient.h"
 #include "platform/zuviidiom.h"
 #include "platform/zuvinotificationcenter.h"
 #include "platform/zuvivirtualscheduler.h"
-#include "support/zuvitesthttpserver.h"
-#include "support/zuvitestsupport.h"
+#include "zuvitesthttpserver.h"
+#include "zuvitestsupport.h"
 
 #include <QQmlComponent>
 #include <QQmlEngine>
@@ -46,6 +48,8 @@ QList<ZuviVideoItem> sampleVideos(int count)
         item.ownerName = QStringLiteral("作者 %1").arg(i);
         item.playCountText = "12.3万";
         item.durationText = "3:25";
+        // Covers from the loopback server, which has none: placeholders stay.
+        item.coverURLString = QStringLiteral("http://127.0.0.1:1/cover%1.jpg").arg(i);
         videos.append(item);
     }
     return videos;
@@ -63,12 +67,15 @@ private:
     ZuviVirtualScheduler scheduler;
     std::unique_ptr<ZuviDebugLog> log;
     std::unique_ptr<ZuviAPIClient> client;
+    std::unique_ptr<ZuviImageLoader> images;
     QStringList warnings;
 
     // Loads one page for its controller in a window and lets it render.
     void loadPage(ZuviViewController *controller, QSize size)
     {
         QQmlEngine engine;
+        engine.addImageProvider(ZuviImageProvider::kProviderId,
+                                new ZuviImageProvider(images.get()));
         QQuickWindow window;
         window.resize(size);
         QQmlComponent component(&engine, controller->pageUrl());
@@ -93,6 +100,8 @@ private slots:
         log.reset(new ZuviDebugLog(defaults.get(), &center));
         client.reset(new ZuviAPIClient(defaults.get(), log.get(), &center,
                                        ZuviEndpoints::allOn(server.baseUrl())));
+        images.reset(
+            new ZuviImageLoader(log.get(), ZuviEndpoints::allOn(server.baseUrl()), nullptr));
         capturedWarnings = &warnings;
         previousHandler = qInstallMessageHandler(captureWarnings);
     }
@@ -164,6 +173,7 @@ private slots:
         services.center = &center;
         services.scheduler = &scheduler;
         services.log = log.get();
+        services.imageLoader = images.get();
         services.endpoints = ZuviEndpoints::allOn(server.baseUrl());
         QQmlEngine engine;
         ZuviAppDelegate delegate(services);

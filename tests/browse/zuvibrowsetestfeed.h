@@ -5,8 +5,8 @@
 #include "platform/zuvinotificationcenter.h"
 #include "platform/zuvivirtualscheduler.h"
 #include "platform/zuviworkqueue.h"
-#include "support/zuvitesthttpserver.h"
-#include "support/zuvitestsupport.h"
+#include "zuvitesthttpserver.h"
+#include "zuvitestsupport.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>

@@ -18,8 +18,8 @@ private slots:
     void danmakuDocumentsParseAndStayInRange();
     void searchHighlightsAndEscapes_data();
     void searchHighlightsAndEscapes();
-    void failureSpecs_data();
-    void failureSpecs();
+    void failureSwitchTexts_data();
+    void failureSwitchTexts();
     void limitedSwitchRunsOut();
 };
 
@@ -166,9 +166,9 @@ void TestZuviDemoContent::searchHighlightsAndEscapes()
     QCOMPARE(ZuviDemoContent::highlighted(title, keyword), expected);
 }
 
-void TestZuviDemoContent::failureSpecs_data()
+void TestZuviDemoContent::failureSwitchTexts_data()
 {
-    QTest::addColumn<QString>("spec");
+    QTest::addColumn<QString>("text");
     QTest::addColumn<bool>("valid");
     QTest::addColumn<QString>("path");
     QTest::addColumn<int>("mode");
@@ -189,14 +189,14 @@ void TestZuviDemoContent::failureSpecs_data()
     QTest::newRow("bad times") << "/x/e=drop@0" << false << "" << 0 << 0 << 0;
 }
 
-void TestZuviDemoContent::failureSpecs()
+void TestZuviDemoContent::failureSwitchTexts()
 {
-    QFETCH(QString, spec);
+    QFETCH(QString, text);
     QFETCH(bool, valid);
     QString path;
     std::optional<ZuviDemoFailure> failure;
     QString errorText;
-    QCOMPARE(ZuviDemoFailureSwitches::parse(spec, &path, &failure, &errorText), valid);
+    QCOMPARE(ZuviDemoFailureSwitches::parse(text, &path, &failure, &errorText), valid);
     if (!valid) {
         QVERIFY(!errorText.isEmpty());
         return;

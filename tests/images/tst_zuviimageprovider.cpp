@@ -33,6 +33,7 @@ private slots:
     void cleanup();
     void imageSources_data();
     void imageSources();
+    void sourceReplacedWhileLoading();
 
 private:
     std::unique_ptr<ZuviTestHttpServer> m_server;
@@ -125,6 +126,31 @@ void TestZuviImageProvider::imageSources()
     QCOMPARE(paths, fetchedPaths);
     if (!cacheKey.isEmpty())
         QVERIFY(m_loader->hasCachedImage(cacheKey.replace("%1", base)));
+}
+
+void TestZuviImageProvider::sourceReplacedWhileLoading()
+{
+    // The first picture is still on its way when the item asks for another;
+    // its late answer must not reach the response QML already dropped.
+    ZuviScriptedAnswer slow = pngAnswer(32, 18);
+    slow.delayMs = 200;
+    m_server->setAnswer("GET", "/v/slow.png@320w_180h_1c_80q.jpg", slow);
+    QQmlEngine engine;
+    engine.addImageProvider(ZuviImageProvider::kProviderId, new ZuviImageProvider(m_loader.get()));
+    QQmlComponent component(&engine);
+    component.setData("import QtQuick\nImage { asynchronous: true }", QUrl());
+    std::unique_ptr<QObject> image(component.create());
+    QVERIFY(image);
+    image->setProperty("source",
+                       ZuviImageProvider::sourceURL("normal", m_server->urlString("/v/slow.png")));
+    QTRY_COMPARE(m_server->requestCount(), 1);
+    image->setProperty("source",
+                       ZuviImageProvider::sourceURL("low", m_server->urlString("/v/a b.png")));
+    QTRY_COMPARE(image->property("status").toInt(), 1);
+    QCOMPARE(image->property("sourceSize").toSize(), QSize(16, 9));
+    // The slow picture still lands in the memory cache for the next time.
+    QTRY_VERIFY(m_loader->hasCachedImage(m_server->urlString("/v/slow.png")));
+    QCOMPARE(image->property("sourceSize").toSize(), QSize(16, 9));
 }
 
 QTEST_MAIN(TestZuviImageProvider)

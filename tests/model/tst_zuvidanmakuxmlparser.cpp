@@ -1,5 +1,5 @@
 #include "model/zuvidanmakuxmlparser.h"
-#include "support/zuvidanmakudocumentgenerator.h"
+#include "zuvidanmakudocumentgenerator.h"
 
 #include <QTest>
 
@@ -19,6 +19,8 @@ private slots:
     void generatedDocumentsReadExactly_data();
     void generatedDocumentsReadExactly();
     void callbacksCollectOnlyInsideComments();
+    void malformedTextBecomesReplacementCharacters_data();
+    void malformedTextBecomesReplacementCharacters();
     void parserIsReusable();
     void sortByTimeIsStable_data();
     void sortByTimeIsStable();
@@ -223,6 +225,38 @@ void TestZuviDanmakuXMLParser::callbacksCollectOnlyInsideComments()
     parser.foundCharacters("after", 5);
     parser.didEndElement("d"); // a stray end makes nothing
     QCOMPARE(describe(parser.items()), QStringLiteral("弹幕\uFFFD|4|5|14|255|"));
+}
+
+void TestZuviDanmakuXMLParser::malformedTextBecomesReplacementCharacters_data()
+{
+    // The reader never reports such bytes; a direct caller may. One U+FFFD
+    // per byte that starts no well-formed character.
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<QString>("expected");
+    const QChar bad(0xFFFD);
+    QTest::newRow("well-formed mix")
+        << QByteArray("a\xc3\xa9\xe5\xbc\xb9\xf0\x9f\x98\x82") << QStringLiteral("aé弹😂");
+    QTest::newRow("lone continuation") << QByteArray("\x80x") << QString(bad) + "x";
+    QTest::newRow("overlong") << QByteArray("\xc0\xafx") << QString(2, bad) + "x";
+    QTest::newRow("overlong three bytes") << QByteArray("\xe0\x80\xaf") << QString(3, bad);
+    QTest::newRow("surrogate") << QByteArray("\xed\xa0\x80") << QString(3, bad);
+    QTest::newRow("beyond U+10FFFF") << QByteArray("\xf4\x90\x80\x80") << QString(4, bad);
+    QTest::newRow("cut short at the end") << QByteArray("x\xe5\xbc") << "x" + QString(2, bad);
+    QTest::newRow("CJK run broken") << QByteArray("\xe5\xbc\xb9\xe5x\xe5\xbc\xb9")
+                                    << QStringLiteral("弹") + bad + "x" + QStringLiteral("弹");
+}
+
+void TestZuviDanmakuXMLParser::malformedTextBecomesReplacementCharacters()
+{
+    QFETCH(QByteArray, bytes);
+    QFETCH(QString, expected);
+    ZuviDanmakuXMLParser parser;
+    const char *attributes[] = {nullptr};
+    parser.didStartElement("d", attributes);
+    parser.foundCharacters(bytes.constData(), int(bytes.size()));
+    parser.didEndElement("d");
+    QCOMPARE(parser.items().size(), 1);
+    QCOMPARE(parser.items().first().text, expected);
 }
 
 void TestZuviDanmakuXMLParser::parserIsReusable()

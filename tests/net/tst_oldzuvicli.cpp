@@ -2,7 +2,7 @@
 // prints: the JSON shapes scripts rely on, the error object and the exit
 // statuses, the login flow storing its cookie in the settings file.
 #include "platform/zuvidefaults.h"
-#include "support/zuvitesthttpserver.h"
+#include "zuvitesthttpserver.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
