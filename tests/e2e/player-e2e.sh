@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# End-to-end run of the video screen under Xvfb against the demo service:
+# End-to-end run of the app under Xvfb against the demo service: the first
+# video of the recommended grid is opened, then
 # screenshots of playing, after a seek, fullscreen and back inline, then
 # (with --measure) whole-process CPU and peak memory of the app playing the
 # 720p clip with its danmaku for 60 s beside a bare Qt player of the same file.
@@ -42,14 +43,17 @@ sample() {
     [ -n "$pid" ] && break
     sleep 0.1
   done
-  local hz prev now samples=()
+  local hz prev now hwm samples=()
   hz=$(getconf CLK_TCK)
   prev=$(awk '{print $14+$15}' "/proc/$pid/stat")
   local peak=0
   while kill -0 "$pid" 2>/dev/null; do
     sleep 1
     now=$(awk '{print $14+$15}' "/proc/$pid/stat" 2>/dev/null) || break
-    peak=$(awk '/VmHWM/ {print $2}' "/proc/$pid/status" 2>/dev/null || echo "$peak")
+    [ -n "$now" ] || break
+    # An exiting process has no VmHWM line any more; keep the last reading.
+    hwm=$(awk '/VmHWM/ {print $2}' "/proc/$pid/status" 2>/dev/null || true)
+    [ -n "$hwm" ] && peak=$hwm
     samples+=($(( (now - prev) * 100 / hz )))
     prev=$now
   done
@@ -60,6 +64,8 @@ sample() {
 }
 
 sample app "$driver" --endpoints "$endpoints" --out "$out/measure" --measure 60 | tee "$out/measure.txt"
+sample app-no-danmaku "$driver" --endpoints "$endpoints" --out "$out/measure-off" --measure 60 \
+  --no-danmaku | tee -a "$out/measure.txt"
 # The bare player plays exactly the file the app played.
 clip=$(grep -o 'playing http[^ ]*' "$out/app.log" | head -1 | cut -d' ' -f2)
 sample bare "$driver" --bare "$clip" --measure 60 | tee -a "$out/measure.txt"

@@ -1,18 +1,27 @@
-// Drives the video screen against a running demo service, in a real window:
-// opens the first recommended video, lets it play with danmaku, seeks with
-// the arrow key, enters fullscreen with F and leaves with Esc, saving a
-// screenshot after each step and printing what the screen reported.
-// With --measure SECONDS it only plays (replaying at the end) for that long,
-// for whole-process CPU and memory figures; --bare URL plays the same file
-// in a plain QML MediaPlayer + VideoOutput window, without danmaku or UI.
+// Drives the application against a running demo service, in a real window:
+// taps the first video of the recommended grid, lets it play with danmaku,
+// seeks with the arrow key, enters fullscreen with F and leaves with Esc,
+// saving a screenshot after each step and printing what the screen reported.
+// With --measure SECONDS it only plays a video with a dense danmaku document
+// (replaying at the end) for that long, for whole-process CPU and memory
+// figures; --no-danmaku starts with the switch off; --bare URL plays the same
+// file in a plain QML MediaPlayer + VideoOutput window, without danmaku or UI.
 //
-// Usage: zuvi-player-e2e --endpoints FILE --out DIR [--measure SECONDS]
+// Usage: zuvi-player-e2e --endpoints FILE --out DIR [--measure SECONDS [--no-danmaku]]
 //        zuvi-player-e2e --bare URL --measure SECONDS
 
+#include "app/zuviappdelegate.h"
+#include "app/zuvidebuglog.h"
+#include "app/zuvinavigationcontroller.h"
+#include "app/zuvitabbarcontroller.h"
+#include "browse/zuvivideogridviewcontroller.h"
+#include "browse/zuvivideoscreenopener.h"
 #include "danmaku/zuvidanmakuoverlayview.h"
 #include "net/zuviapiclient.h"
 #include "platform/zuvidefaults.h"
 #include "platform/zuviendpoints.h"
+#include "platform/zuvinotificationcenter.h"
+#include "platform/zuvischeduler.h"
 #include "player/zuvivideoplayerviewcontroller.h"
 
 #include <QCommandLineParser>
@@ -89,6 +98,7 @@ int main(int argc, char **argv)
     parser.addOption({"out", "screenshot directory", "dir"});
     parser.addOption({"measure", "only play for this many seconds", "seconds"});
     parser.addOption({"bare", "play this address without the app", "url"});
+    parser.addOption({"no-danmaku", "start with the danmaku switched off"});
     parser.process(app);
     const double measure = parser.value("measure").toDouble();
     if (parser.isSet("bare"))
@@ -97,6 +107,7 @@ int main(int argc, char **argv)
     const QString outDir = parser.value("out").isEmpty() ? QDir::tempPath() : parser.value("out");
     QDir().mkpath(outDir);
     ZuviDefaults::setStandardFilePath(outDir + "/defaults.ini");
+    ZuviDefaults::standardDefaults()->setBool(!parser.isSet("no-danmaku"), "ZuviDanmakuEnabled");
     ZuviEndpoints endpoints = ZuviEndpoints::defaults();
     ZuviError error;
     if (!ZuviEndpoints::loadFile(parser.value("endpoints"), &endpoints, &error)) {
@@ -105,15 +116,41 @@ int main(int argc, char **argv)
     }
     ZuviEndpoints::setShared(endpoints);
 
-    QQmlApplicationEngine engine;
-    engine.addImportPath(QStringLiteral("qrc:/"));
-    QQuickWindow *window = nullptr;
+    // The application as oldzuvi starts it: the shell, its tabs and the
+    // recommended grid, with the video screen behind the grid's taps.
+    ZuviAppDelegate::Services services;
+    services.client = ZuviAPIClient::sharedClient();
+    services.defaults = ZuviDefaults::standardDefaults();
+    services.center = ZuviNotificationCenter::defaultCenter();
+    services.scheduler = ZuviScheduler::sharedScheduler();
+    services.log = ZuviDebugLog::sharedLog();
+    services.endpoints = ZuviEndpoints::shared();
+    services.infoDictionary = ZuviAppDelegate::bundledInfoDictionary();
+    ZuviVideoScreenOpener::setFactory(
+        [services](const ZuviVideoItem &item, const QString &title) -> ZuviViewController * {
+            return new ZuviVideoPlayerViewController(
+                item, title, services.client, services.scheduler, services.defaults,
+                ZuviVideoPlayerViewController::mediaPlayerFactory());
+        });
+    QQmlEngine engine;
+    ZuviAppDelegate delegate(services);
+    if (!delegate.applicationDidFinishLaunching(&engine))
+        return 4;
+    auto *window = qobject_cast<QQuickWindow *>(QGuiApplication::topLevelWindows().value(0));
+    ZuviNavigationController *navigation = delegate.rootTabBarController()->viewControllerAt(0);
+    auto *grid = qobject_cast<ZuviVideoGridViewController *>(navigation->rootViewController());
+    if (!window || !grid)
+        return 4;
     ZuviVideoPlayerViewController *c = nullptr;
     Script script;
 
     const auto shot = [&](const QString &name) {
         const QString path = outDir + "/" + name + ".png";
         window->grabWindow().save(path);
+        if (!c) {
+            say(path);
+            return;
+        }
         ZuviMoviePlayer *p = c->moviePlayer();
         ZuviDanmakuOverlayView *o = c->danmakuOverlay();
         say(QString("%1: t=%2 playing=%3 fullscreen=%4 state='%5' overlay %6x%7 in %8 "
@@ -133,43 +170,24 @@ int main(int argc, char **argv)
     };
     const auto key = [&](Qt::Key k) { QTest::keyClick(window, k); };
 
-    std::function<void(const ZuviVideoItem &)> open = [&](const ZuviVideoItem &v) {
-        say(QString("opening %1 %2 cid %3").arg(v.bvid, v.title).arg(v.cid));
-        c = ZuviVideoPlayerViewController::createWithVideoItem(v, QStringLiteral("推荐"));
-        c->setParent(&app);
-        engine.setInitialProperties({{"screen", QVariant::fromValue(c)}});
-        engine.loadData(R"(
-            import QtQuick
-            import QtQuick.Controls
-            import Zuvi
-            ApplicationWindow {
-                required property ZuviVideoPlayerViewController screen
-                width: 1024; height: 768; visible: true
-                VideoPlayerPage {
-                    objectName: "page"
-                    anchors.fill: parent
-                    controller: screen
-                }
-            })");
-        window = qobject_cast<QQuickWindow *>(engine.rootObjects().value(0));
-        auto *page = window ? window->findChild<QQuickItem *>("page") : nullptr;
-        if (!page) {
+    // Taps the grid's cell at row, as the user would (row −1: pushes the
+    // given video the same way), and follows the screen.
+    const auto openRow = [&](int row, const ZuviVideoItem &other) {
+        const ZuviVideoItem v = row >= 0 ? grid->videos().at(row) : other;
+        say(QString("opening row %1: %2 %3 cid %4").arg(row).arg(v.bvid, v.title).arg(v.cid));
+        if (row >= 0)
+            grid->selectItem(row);
+        else
+            ZuviVideoScreenOpener::open(navigation, v, grid->title());
+        c = qobject_cast<ZuviVideoPlayerViewController *>(navigation->topViewController());
+        if (!c) {
             QCoreApplication::exit(4);
             return;
         }
-        // As the navigation stack does on a push.
-        c->loadViewIfNeeded();
-        c->viewWillAppear();
         QObject::connect(c, &ZuviVideoPlayerViewController::moviePlayerChanged, c, [c] {
             if (c->moviePlayer())
                 say("playing " + c->pendingPlayURL().toString());
         });
-        QObject::connect(c, &ZuviVideoPlayerViewController::danmakuChanged, c, [c] {
-            if (!c->danmakuItems().isEmpty())
-                say(QString("danmaku %1 items").arg(c->danmakuItems().size()));
-        });
-        window->requestActivate();
-        page->forceActiveFocus();
         if (measure > 0) {
             // Replays whenever the clip ends, until the time is up.
             QObject::connect(c, &ZuviVideoPlayerViewController::playbackEndChanged, c, [c] {
@@ -194,7 +212,7 @@ int main(int argc, char **argv)
     };
 
     // For measuring, the first recommended video whose danmaku document is
-    // dense (thousands of items); otherwise simply the first one.
+    // dense (thousands of items), from the first three pages of the feed.
     QList<ZuviVideoItem> candidates;
     std::function<void()> tryNext = [&] {
         if (candidates.isEmpty()) {
@@ -205,22 +223,25 @@ int main(int argc, char **argv)
         const ZuviVideoItem v = candidates.takeFirst();
         ZuviAPIClient::sharedClient()->fetchDanmakuWithCID(
             v.cid, [&, v](const QList<ZuviDanmakuItem> &items, const ZuviError &) {
-                items.size() >= 5000 ? open(v) : tryNext();
+                items.size() >= 5000 ? openRow(-1, v) : tryNext();
             });
     };
-    ZuviAPIClient::sharedClient()->fetchRecommendedPage(
-        1, 60, [&](const QList<ZuviVideoItem> &videos, const ZuviError &error) {
-            if (videos.isEmpty()) {
-                say("recommended: " + error.message);
-                QCoreApplication::exit(3);
-                return;
-            }
-            if (measure <= 0) {
-                open(videos.constFirst());
-                return;
-            }
-            candidates = videos;
-            tryNext();
-        });
+    const auto findDense = [&] {
+        ZuviAPIClient::sharedClient()->fetchRecommendedPage(
+            1, 60, [&](const QList<ZuviVideoItem> &videos, const ZuviError &) {
+                candidates = videos;
+                tryNext();
+            });
+    };
+    // The grid loads its first page on its own; wait for it.
+    QTimer poll;
+    QObject::connect(&poll, &QTimer::timeout, &app, [&] {
+        if (grid->videos().isEmpty())
+            return;
+        poll.stop();
+        shot("0-grid");
+        measure > 0 ? findDense() : openRow(0, {});
+    });
+    poll.start(200);
     return app.exec();
 }
