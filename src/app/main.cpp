@@ -1,16 +1,8 @@
 // oldzuvi: parses the launch options and hands over to the application
 // delegate, which builds everything else.
 #include "app/zuviappdelegate.h"
-#include "app/zuvidebuglog.h"
 #include "app/zuvifirstpageprobe.h"
-#include "browse/zuvivideoscreenopener.h"
-#include "config/zuviremoteconfig.h"
-#include "images/zuviimageloader.h"
-#include "net/zuviapiclient.h"
-#include "platform/zuvidefaults.h"
 #include "platform/zuvilaunchoptions.h"
-#include "platform/zuvinotificationcenter.h"
-#include "platform/zuvischeduler.h"
 #include "player/zuvivideoplayerviewcontroller.h"
 
 #include <QDateTime>
@@ -82,24 +74,10 @@ int main(int argc, char *argv[])
     QGuiApplication::setOrganizationName(QStringLiteral("oldzuvi"));
     options.apply();
 
-    ZuviAppDelegate::Services services;
-    services.client = ZuviAPIClient::sharedClient();
-    services.defaults = ZuviDefaults::standardDefaults();
-    services.center = ZuviNotificationCenter::defaultCenter();
-    services.scheduler = ZuviScheduler::sharedScheduler();
-    services.log = ZuviDebugLog::sharedLog();
-    services.imageLoader = ZuviImageLoader::sharedLoader();
-    services.remoteConfig = ZuviRemoteConfig::sharedConfig();
-    services.endpoints = ZuviEndpoints::shared();
-    services.infoDictionary = ZuviAppDelegate::bundledInfoDictionary();
-
+    const ZuviAppDelegate::Services services = ZuviAppDelegate::sharedServices();
     // Opening a video from any list pushes the video screen.
-    ZuviVideoScreenOpener::setFactory(
-        [services](const ZuviVideoItem &item, const QString &sourceTitle) -> ZuviViewController * {
-            return new ZuviVideoPlayerViewController(
-                item, sourceTitle, services.client, services.scheduler, services.defaults,
-                ZuviVideoPlayerViewController::mediaPlayerFactory());
-        });
+    ZuviVideoPlayerViewController::openVideosFromLists(services.client, services.scheduler,
+                                                       services.defaults);
 
     QQmlEngine engine;
     ZuviAppDelegate delegate(services);

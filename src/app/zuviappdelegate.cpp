@@ -1,13 +1,16 @@
 #include "zuviappdelegate.h"
 
+#include "app/zuvidebuglog.h"
 #include "browse/zuvivideogridviewcontroller.h"
 #include "config/zuviremoteconfig.h"
 #include "config/zuviremoteconfigoptions.h"
 #include "images/zuviimageloader.h"
 #include "images/zuviimageprovider.h"
+#include "net/zuviapiclient.h"
 #include "platform/zuvidefaults.h"
 #include "platform/zuviidiom.h"
 #include "platform/zuvinotificationcenter.h"
+#include "platform/zuvischeduler.h"
 #include "zuviappearance.h"
 #include "zuviimageassets.h"
 #include "zuvinavigationcontroller.h"
@@ -201,6 +204,21 @@ std::optional<double> ZuviAppDelegate::positiveInfoNumber(const QString &key) co
 void ZuviAppDelegate::developerModeDidChange()
 {
     startRemoteConfigNotifications();
+}
+
+ZuviAppDelegate::Services ZuviAppDelegate::sharedServices()
+{
+    Services services;
+    services.client = ZuviAPIClient::sharedClient();
+    services.defaults = ZuviDefaults::standardDefaults();
+    services.center = ZuviNotificationCenter::defaultCenter();
+    services.scheduler = ZuviScheduler::sharedScheduler();
+    services.log = ZuviDebugLog::sharedLog();
+    services.imageLoader = ZuviImageLoader::sharedLoader();
+    services.remoteConfig = ZuviRemoteConfig::sharedConfig();
+    services.endpoints = ZuviEndpoints::shared();
+    services.infoDictionary = bundledInfoDictionary();
+    return services;
 }
 
 QVariantMap ZuviAppDelegate::bundledInfoDictionary()

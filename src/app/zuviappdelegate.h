@@ -93,6 +93,8 @@ public:
 
     // The information keys bundled with the application (Info.json).
     static QVariantMap bundledInfoDictionary();
+    // The process-wide services, as the running application uses them.
+    static Services sharedServices();
 
     ZuviTabBarController *rootTabBarController() const { return m_root; }
     QObject *window() const { return m_window; }

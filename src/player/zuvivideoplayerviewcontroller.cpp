@@ -1,5 +1,7 @@
 #include "zuvivideoplayerviewcontroller.h"
 
+#include "browse/zuvivideoscreenopener.h"
+
 #include "app/zuvinavigationcontroller.h"
 #include "danmaku/zuvidanmakuoverlayview.h"
 #include "net/zuviapiclient.h"
@@ -62,6 +64,18 @@ ZuviVideoPlayerViewController::createWithVideoItem(const ZuviVideoItem &item,
     return new ZuviVideoPlayerViewController(
         item, sourceTitle, ZuviAPIClient::sharedClient(), ZuviScheduler::sharedScheduler(),
         ZuviDefaults::standardDefaults(), mediaPlayerFactory());
+}
+
+void ZuviVideoPlayerViewController::openVideosFromLists(ZuviAPIClient *client,
+                                                        ZuviScheduler *scheduler,
+                                                        ZuviDefaults *defaults)
+{
+    ZuviVideoScreenOpener::setFactory(
+        [client, scheduler, defaults](const ZuviVideoItem &item,
+                                      const QString &sourceTitle) -> ZuviViewController * {
+            return new ZuviVideoPlayerViewController(item, sourceTitle, client, scheduler, defaults,
+                                                     mediaPlayerFactory());
+        });
 }
 
 ZuviVideoPlayerViewController::PlayerFactory ZuviVideoPlayerViewController::mediaPlayerFactory()

@@ -82,6 +82,10 @@ public:
     static ZuviVideoPlayerViewController *createWithVideoItem(const ZuviVideoItem &item,
                                                               const QString &sourceTitle);
     static PlayerFactory mediaPlayerFactory();
+    // Makes this the screen that opening a video from any list pushes, on
+    // the given services and QMediaPlayer-backed players.
+    static void openVideosFromLists(ZuviAPIClient *client, ZuviScheduler *scheduler,
+                                    ZuviDefaults *defaults);
     // Builds the item from a map of ZuviVideoItem's field names.
     static ZuviVideoItem videoItemFromMap(const QVariantMap &map);
     ~ZuviVideoPlayerViewController() override;

@@ -118,20 +118,11 @@ int main(int argc, char **argv)
 
     // The application as oldzuvi starts it: the shell, its tabs and the
     // recommended grid, with the video screen behind the grid's taps.
-    ZuviAppDelegate::Services services;
-    services.client = ZuviAPIClient::sharedClient();
-    services.defaults = ZuviDefaults::standardDefaults();
-    services.center = ZuviNotificationCenter::defaultCenter();
-    services.scheduler = ZuviScheduler::sharedScheduler();
-    services.log = ZuviDebugLog::sharedLog();
-    services.endpoints = ZuviEndpoints::shared();
-    services.infoDictionary = ZuviAppDelegate::bundledInfoDictionary();
-    ZuviVideoScreenOpener::setFactory(
-        [services](const ZuviVideoItem &item, const QString &title) -> ZuviViewController * {
-            return new ZuviVideoPlayerViewController(
-                item, title, services.client, services.scheduler, services.defaults,
-                ZuviVideoPlayerViewController::mediaPlayerFactory());
-        });
+    ZuviAppDelegate::Services services = ZuviAppDelegate::sharedServices();
+    services.imageLoader = nullptr;
+    services.remoteConfig = nullptr;
+    ZuviVideoPlayerViewController::openVideosFromLists(services.client, services.scheduler,
+                                                       services.defaults);
     QQmlEngine engine;
     ZuviAppDelegate delegate(services);
     if (!delegate.applicationDidFinishLaunching(&engine))

@@ -77,14 +77,11 @@ int main(int argc, char *argv[])
     if (!parser.isSet("out"))
         return fail(QStringLiteral("--out is required"));
 
-    ZuviAppDelegate::Services services;
-    services.client = ZuviAPIClient::sharedClient();
-    services.defaults = ZuviDefaults::standardDefaults();
-    services.center = ZuviNotificationCenter::defaultCenter();
-    services.scheduler = ZuviScheduler::sharedScheduler();
-    services.log = ZuviDebugLog::sharedLog();
-    services.imageLoader = ZuviImageLoader::sharedLoader();
-    services.endpoints = ZuviEndpoints::shared();
+    // The application's services, without the configuration service, which
+    // would only add traffic to the pictures.
+    ZuviAppDelegate::Services services = ZuviAppDelegate::sharedServices();
+    services.remoteConfig = nullptr;
+    services.infoDictionary.clear();
 
     QQmlEngine engine;
     ZuviAppDelegate delegate(services);
