@@ -11,8 +11,8 @@
 ZuviSearchResultsViewController::ZuviSearchResultsViewController(const QString &keyword,
                                                                  ZuviAPIClient *client,
                                                                  QObject *parent)
-    : ZuviViewController(QStringLiteral("搜索"), parent), m_keyword(keyword), m_client(client),
-      m_model(new ZuviVideoListModel(this))
+    : ZuviVideoListViewController(QStringLiteral("搜索"), parent), m_keyword(keyword),
+      m_client(client), m_model(new ZuviVideoListModel(this))
 {
 }
 
@@ -39,7 +39,7 @@ void ZuviSearchResultsViewController::refreshButtonTapped()
 bool ZuviSearchResultsViewController::searchBarSearchButtonClicked(const QString &text)
 {
     const QString keyword = trimmedSearchText(text);
-    if (keyword.isEmpty() || m_loading)
+    if (keyword.isEmpty() || isLoading())
         return false;
     setKeyword(keyword);
     loadSearchResults();
@@ -84,7 +84,7 @@ void ZuviSearchResultsViewController::loadSearchResults()
 
 void ZuviSearchResultsViewController::loadNextSearchPageIfNeeded()
 {
-    if (m_loading || m_loadingMore || !m_hasMorePages || m_videos.isEmpty())
+    if (isLoading() || isLoadingMore() || !m_hasMorePages || m_videos.isEmpty())
         return;
     loadSearchResultsReset(false);
 }
@@ -101,7 +101,7 @@ void ZuviSearchResultsViewController::loadSearchResultsReset(bool reset)
     }
     setKeyword(keyword);
     // A running load blocks this one; its answer is still awaited.
-    if (m_loading || m_loadingMore)
+    if (isLoading() || isLoadingMore())
         return;
     const int page = reset ? 1 : std::max(1, m_currentPage + 1);
     const int requestID = ++m_requestID;
@@ -165,43 +165,4 @@ void ZuviSearchResultsViewController::setKeyword(const QString &keyword)
         return;
     m_keyword = keyword;
     emit keywordChanged();
-}
-
-void ZuviSearchResultsViewController::setLoadingFlags(bool loading, bool loadingMore)
-{
-    if (m_loading == loading && m_loadingMore == loadingMore)
-        return;
-    m_loading = loading;
-    m_loadingMore = loadingMore;
-    emit loadStateChanged();
-}
-
-void ZuviSearchResultsViewController::setRefreshEnabled(bool enabled)
-{
-    if (m_refreshEnabled == enabled)
-        return;
-    m_refreshEnabled = enabled;
-    emit loadStateChanged();
-}
-
-void ZuviSearchResultsViewController::showStateMode(int mode, const QString &title,
-                                                    const QString &message,
-                                                    const QString &buttonTitle)
-{
-    if (!m_stateView) {
-        m_stateView = new ZuviStateView(this);
-        m_stateView->setRetryTarget(this, [this] { refreshButtonTapped(); });
-        emit stateViewChanged();
-    }
-    m_stateView->setMode(mode, title, message, buttonTitle);
-}
-
-void ZuviSearchResultsViewController::clearStateView()
-{
-    if (!m_stateView)
-        return;
-    ZuviStateView *old = m_stateView;
-    m_stateView = nullptr;
-    emit stateViewChanged();
-    old->deleteLater();
 }

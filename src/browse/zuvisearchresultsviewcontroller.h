@@ -1,9 +1,9 @@
 #pragma once
 
-#include "app/zuviviewcontroller.h"
 #include "model/zuvivideoitem.h"
 #include "platform/zuvierror.h"
 #include "views/zuvistateview.h"
+#include "zuvivideolistviewcontroller.h"
 
 #include <QList>
 #include <QPointer>
@@ -16,17 +16,13 @@ class ZuviVideoListModel;
 // The video search results for one keyword, as a paged grid of cards. It has
 // its own search bar, so the user can search again in place. Answers for an
 // older request, or for a keyword that has since changed, are dropped.
-class ZuviSearchResultsViewController : public ZuviViewController
+class ZuviSearchResultsViewController : public ZuviVideoListViewController
 {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("Opened from a search bar")
     Q_PROPERTY(QString keyword READ keyword NOTIFY keywordChanged)
     Q_PROPERTY(ZuviVideoListModel *videos READ videosModel CONSTANT)
-    Q_PROPERTY(ZuviStateView *stateView READ stateView NOTIFY stateViewChanged)
-    Q_PROPERTY(bool loading READ isLoading NOTIFY loadStateChanged)
-    Q_PROPERTY(bool loadingMore READ isLoadingMore NOTIFY loadStateChanged)
-    Q_PROPERTY(bool refreshEnabled READ isRefreshEnabled NOTIFY loadStateChanged)
     Q_PROPERTY(QString searchPlaceholder READ searchPlaceholder CONSTANT)
 
 public:
@@ -41,10 +37,6 @@ public:
     QString keyword() const { return m_keyword; }
     QList<ZuviVideoItem> videos() const { return m_videos; }
     ZuviVideoListModel *videosModel() const { return m_model; }
-    ZuviStateView *stateView() const { return m_stateView; }
-    bool isLoading() const { return m_loading; }
-    bool isLoadingMore() const { return m_loadingMore; }
-    bool isRefreshEnabled() const { return m_refreshEnabled; }
     int currentPage() const { return m_currentPage; }
     bool hasMorePages() const { return m_hasMorePages; }
     int requestID() const { return m_requestID; }
@@ -52,7 +44,7 @@ public:
 
     static QString trimmedSearchText(const QString &text);
 
-    Q_INVOKABLE void refreshButtonTapped();
+    Q_INVOKABLE void refreshButtonTapped() override;
     // The bar's search button; true when a new search started (the page
     // then drops the keyboard).
     Q_INVOKABLE bool searchBarSearchButtonClicked(const QString &text);
@@ -69,8 +61,6 @@ public:
 
 signals:
     void keywordChanged();
-    void stateViewChanged();
-    void loadStateChanged();
 
 protected:
     void viewDidLoad() override;
@@ -79,21 +69,12 @@ private:
     void applyResults(const QList<ZuviVideoItem> &received, const ZuviError &error, int page,
                       bool reset);
     void setKeyword(const QString &keyword);
-    void setLoadingFlags(bool loading, bool loadingMore);
-    void setRefreshEnabled(bool enabled);
-    void showStateMode(int mode, const QString &title, const QString &message,
-                       const QString &buttonTitle);
-    void clearStateView();
 
     QString m_keyword;
     ZuviAPIClient *m_client;
     ZuviVideoListModel *m_model;
-    QPointer<ZuviStateView> m_stateView;
     QList<ZuviVideoItem> m_videos;
     int m_currentPage = 0;
     bool m_hasMorePages = false;
-    bool m_loading = false;
-    bool m_loadingMore = false;
-    bool m_refreshEnabled = true;
     int m_requestID = 0;
 };

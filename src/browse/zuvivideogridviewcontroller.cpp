@@ -49,8 +49,9 @@ ZuviVideoGridViewController::ZuviVideoGridViewController(Mode mode, const QStrin
                                                          const QString &emptyMessage,
                                                          ZuviAPIClient *client,
                                                          ZuviScheduler *scheduler)
-    : ZuviViewController(title), m_mode(mode), m_emptyMessage(emptyMessage), m_client(client),
-      m_scheduler(scheduler), m_model(new ZuviVideoListModel(this)), m_videos(videos)
+    : ZuviVideoListViewController(title), m_mode(mode), m_emptyMessage(emptyMessage),
+      m_client(client), m_scheduler(scheduler), m_model(new ZuviVideoListModel(this)),
+      m_videos(videos)
 {
     m_model->setVideos(m_videos);
 }
@@ -175,7 +176,8 @@ void ZuviVideoGridViewController::loadRemoteVideos()
 
 void ZuviVideoGridViewController::loadNextRemotePageIfNeeded()
 {
-    if (!loadsRemoteVideos() || m_loading || m_loadingMore || !m_hasMorePages || m_videos.isEmpty())
+    if (!loadsRemoteVideos() || isLoading() || isLoadingMore() || !m_hasMorePages ||
+        m_videos.isEmpty())
         return;
     loadRemoteVideosReset(false);
 }
@@ -184,7 +186,7 @@ void ZuviVideoGridViewController::loadRemoteVideosReset(bool reset)
 {
     if (!loadsRemoteVideos())
         return;
-    if (m_loading || m_loadingMore) {
+    if (isLoading() || isLoadingMore()) {
         // A pull during a running load only ends the spinner.
         if (reset)
             endPullRefreshIfNeeded();
@@ -275,7 +277,7 @@ ZuviVideoGridViewController::videosByAppendingVideos(const QList<ZuviVideoItem> 
 
 void ZuviVideoGridViewController::beginPullRefreshPrefetchIfNeeded()
 {
-    if (!loadsRemoteVideos() || m_loading || m_loadingMore || m_pullRefreshPrefetching ||
+    if (!loadsRemoteVideos() || isLoading() || isLoadingMore() || m_pullRefreshPrefetching ||
         m_pullRefreshHasPrefetchedResult || m_pullRefreshApplyAfterRelease ||
         m_pullRefreshRefreshing || !m_dragging)
         return;
@@ -310,7 +312,7 @@ void ZuviVideoGridViewController::pullRefreshTriggered()
     }
     // The early page 1 is on its way or here: use it instead of loading.
     m_pullRefreshApplyAfterRelease = true;
-    setLoadingFlags(true, m_loadingMore);
+    setLoadingFlags(true, isLoadingMore());
     setRefreshEnabled(false);
     applyPrefetchedPullRefreshIfReady();
 }
@@ -433,44 +435,6 @@ void ZuviVideoGridViewController::viewWillDisappear()
 }
 
 // --- States
-
-void ZuviVideoGridViewController::setLoadingFlags(bool loading, bool loadingMore)
-{
-    if (m_loading == loading && m_loadingMore == loadingMore)
-        return;
-    m_loading = loading;
-    m_loadingMore = loadingMore;
-    emit loadStateChanged();
-}
-
-void ZuviVideoGridViewController::setRefreshEnabled(bool enabled)
-{
-    if (m_refreshEnabled == enabled)
-        return;
-    m_refreshEnabled = enabled;
-    emit loadStateChanged();
-}
-
-void ZuviVideoGridViewController::showStateMode(int mode, const QString &title,
-                                                const QString &message, const QString &buttonTitle)
-{
-    if (!m_stateView) {
-        m_stateView = new ZuviStateView(this);
-        m_stateView->setRetryTarget(this, [this] { refreshButtonTapped(); });
-        emit stateViewChanged();
-    }
-    m_stateView->setMode(mode, title, message, buttonTitle);
-}
-
-void ZuviVideoGridViewController::clearStateView()
-{
-    if (!m_stateView)
-        return;
-    ZuviStateView *old = m_stateView;
-    m_stateView = nullptr;
-    emit stateViewChanged();
-    old->deleteLater();
-}
 
 void ZuviVideoGridViewController::updateBackgroundState()
 {

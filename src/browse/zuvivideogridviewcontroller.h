@@ -1,10 +1,10 @@
 #pragma once
 
 #include "app/zuviphonechromecontroller.h"
-#include "app/zuviviewcontroller.h"
 #include "model/zuvivideoitem.h"
 #include "platform/zuvierror.h"
 #include "views/zuvistateview.h"
+#include "zuvivideolistviewcontroller.h"
 
 #include <QList>
 #include <QPointer>
@@ -21,16 +21,12 @@ class ZuviVideoListModel;
 // is still pulling) or by its refresh button, and shows loading, empty and
 // error states; in static mode it shows a given list. Answers are matched
 // to requests by number, so a stale answer is dropped, never cancelled.
-class ZuviVideoGridViewController : public ZuviViewController
+class ZuviVideoGridViewController : public ZuviVideoListViewController
 {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("Made by the application shell")
     Q_PROPERTY(ZuviVideoListModel *videos READ videosModel CONSTANT)
-    Q_PROPERTY(ZuviStateView *stateView READ stateView NOTIFY stateViewChanged)
-    Q_PROPERTY(bool loading READ isLoading NOTIFY loadStateChanged)
-    Q_PROPERTY(bool loadingMore READ isLoadingMore NOTIFY loadStateChanged)
-    Q_PROPERTY(bool refreshEnabled READ isRefreshEnabled NOTIFY loadStateChanged)
     Q_PROPERTY(bool pullRefreshRefreshing READ isPullRefreshRefreshing NOTIFY loadStateChanged)
     Q_PROPERTY(bool loadsRemoteVideos READ loadsRemoteVideos CONSTANT)
     Q_PROPERTY(bool showsBrandLabel READ showsBrandLabel CONSTANT)
@@ -75,11 +71,7 @@ public:
     bool loadsRemoteVideos() const { return m_mode != Mode::Static; }
     QList<ZuviVideoItem> videos() const { return m_videos; }
     ZuviVideoListModel *videosModel() const { return m_model; }
-    ZuviStateView *stateView() const { return m_stateView; }
     QString emptyMessage() const { return m_emptyMessage; }
-    bool isLoading() const { return m_loading; }
-    bool isLoadingMore() const { return m_loadingMore; }
-    bool isRefreshEnabled() const { return m_refreshEnabled; }
     bool isPullRefreshRefreshing() const { return m_pullRefreshRefreshing; }
     int currentPage() const { return m_currentPage; }
     bool hasMorePages() const { return m_hasMorePages; }
@@ -102,7 +94,7 @@ public:
     QString brandText() const;
 
     // --- Actions
-    Q_INVOKABLE void refreshButtonTapped();
+    Q_INVOKABLE void refreshButtonTapped() override;
     // The tab of this screen was tapped again while it is the root.
     Q_INVOKABLE void tabBarItemReselected();
     Q_INVOKABLE void pullRefreshTriggered();
@@ -138,10 +130,6 @@ public:
     void viewWillAppear() override;
     void viewWillDisappear() override;
 
-signals:
-    void stateViewChanged();
-    void loadStateChanged();
-
 protected:
     void viewDidLoad() override;
 
@@ -158,11 +146,6 @@ private:
     void applyRemoteVideos(const QList<ZuviVideoItem> &received, const ZuviError &error, int page,
                            bool reset, bool keepVisibleVideos, int previousPage,
                            bool previousHasMorePages);
-    void setLoadingFlags(bool loading, bool loadingMore);
-    void setRefreshEnabled(bool enabled);
-    void showStateMode(int mode, const QString &title, const QString &message,
-                       const QString &buttonTitle);
-    void clearStateView();
     void updateBackgroundState();
     void reloadGrid();
 
@@ -171,12 +154,8 @@ private:
     ZuviAPIClient *m_client;
     ZuviScheduler *m_scheduler;
     ZuviVideoListModel *m_model;
-    QPointer<ZuviStateView> m_stateView;
 
     QList<ZuviVideoItem> m_videos;
-    bool m_loading = false;
-    bool m_loadingMore = false;
-    bool m_refreshEnabled = true;
     int m_currentPage = 0;
     bool m_hasMorePages = false;
     int m_requestID = 0;

@@ -1,0 +1,44 @@
+#include "zuvivideolistviewcontroller.h"
+
+ZuviVideoListViewController::ZuviVideoListViewController(const QString &title, QObject *parent)
+    : ZuviViewController(title, parent)
+{
+}
+
+void ZuviVideoListViewController::setLoadingFlags(bool loading, bool loadingMore)
+{
+    if (m_loading == loading && m_loadingMore == loadingMore)
+        return;
+    m_loading = loading;
+    m_loadingMore = loadingMore;
+    emit loadStateChanged();
+}
+
+void ZuviVideoListViewController::setRefreshEnabled(bool enabled)
+{
+    if (m_refreshEnabled == enabled)
+        return;
+    m_refreshEnabled = enabled;
+    emit loadStateChanged();
+}
+
+void ZuviVideoListViewController::showStateMode(int mode, const QString &title,
+                                                const QString &message, const QString &buttonTitle)
+{
+    if (!m_stateView) {
+        m_stateView = new ZuviStateView(this);
+        m_stateView->setRetryTarget(this, [this] { refreshButtonTapped(); });
+        emit stateViewChanged();
+    }
+    m_stateView->setMode(mode, title, message, buttonTitle);
+}
+
+void ZuviVideoListViewController::clearStateView()
+{
+    if (!m_stateView)
+        return;
+    ZuviStateView *old = m_stateView;
+    m_stateView = nullptr;
+    emit stateViewChanged();
+    old->deleteLater();
+}

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "app/zuviviewcontroller.h"
+#include "views/zuvistateview.h"
+
+#include <QPointer>
+
+// What the paged video screens (the recommended grid, search results) share:
+// the loading flags the page binds to and the state view laid over the list,
+// whose retry button refreshes the screen.
+class ZuviVideoListViewController : public ZuviViewController
+{
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("A base of the video list screens")
+    Q_PROPERTY(ZuviStateView *stateView READ stateView NOTIFY stateViewChanged)
+    Q_PROPERTY(bool loading READ isLoading NOTIFY loadStateChanged)
+    Q_PROPERTY(bool loadingMore READ isLoadingMore NOTIFY loadStateChanged)
+    Q_PROPERTY(bool refreshEnabled READ isRefreshEnabled NOTIFY loadStateChanged)
+
+public:
+    explicit ZuviVideoListViewController(const QString &title, QObject *parent = nullptr);
+
+    ZuviStateView *stateView() const { return m_stateView; }
+    bool isLoading() const { return m_loading; }
+    bool isLoadingMore() const { return m_loadingMore; }
+    bool isRefreshEnabled() const { return m_refreshEnabled; }
+
+    Q_INVOKABLE virtual void refreshButtonTapped() = 0;
+
+signals:
+    void stateViewChanged();
+    void loadStateChanged();
+
+protected:
+    void setLoadingFlags(bool loading, bool loadingMore);
+    void setRefreshEnabled(bool enabled);
+    // Shows the state view in a mode, making it on first use.
+    void showStateMode(int mode, const QString &title, const QString &message,
+                       const QString &buttonTitle);
+    void clearStateView();
+
+private:
+    QPointer<ZuviStateView> m_stateView;
+    bool m_loading = false;
+    bool m_loadingMore = false;
+    bool m_refreshEnabled = true;
+};
