@@ -1,6 +1,6 @@
 // Drives the application against a running demo service, in a real window:
 // taps the first video of the recommended grid, lets it play with danmaku,
-// seeks with the arrow key, enters fullscreen with F and leaves with Esc,
+// seeks back with the arrow key, enters fullscreen with F and leaves with Esc,
 // saving a screenshot after each step and printing what the screen reported.
 // With --measure SECONDS it only plays a video with a dense danmaku document
 // (replaying at the end) for that long, for whole-process CPU and memory
@@ -118,9 +118,7 @@ int main(int argc, char **argv)
 
     // The application as oldzuvi starts it: the shell, its tabs and the
     // recommended grid, with the video screen behind the grid's taps.
-    ZuviAppDelegate::Services services = ZuviAppDelegate::sharedServices();
-    services.imageLoader = nullptr;
-    services.remoteConfig = nullptr;
+    const ZuviAppDelegate::Services services = ZuviAppDelegate::sharedServices();
     ZuviVideoPlayerViewController::openVideosFromLists(services.client, services.scheduler,
                                                        services.defaults);
     QQmlEngine engine;
@@ -192,7 +190,9 @@ int main(int argc, char **argv)
             return;
         }
         script.add(6, [&] { shot("1-playing"); });
-        script.add(0, [&] { key(Qt::Key_Right), key(Qt::Key_Right); });
+        // Back 5 s: the first video may be a 12-second clip, which a skip
+        // forward would end before the fullscreen steps.
+        script.add(0, [&] { key(Qt::Key_Left); });
         script.add(2.5, [&] { shot("2-after-seek"); });
         script.add(0, [&] { key(Qt::Key_F); });
         script.add(3, [&] { shot("3-fullscreen"); });
@@ -212,16 +212,23 @@ int main(int argc, char **argv)
             return;
         }
         const ZuviVideoItem v = candidates.takeFirst();
+        // Dense, and playable as one 720p file (not a segmented-only video).
+        const auto checkPlayable = [&, v] {
+            ZuviAPIClient::sharedClient()->fetchBestPlayURLWithBVID(
+                v.bvid, v.cid, [&, v](const QString &url, int quality, const ZuviError &) {
+                    !url.isEmpty() && quality >= 64 ? openRow(-1, v) : tryNext();
+                });
+        };
         ZuviAPIClient::sharedClient()->fetchDanmakuWithCID(
-            v.cid, [&, v](const QList<ZuviDanmakuItem> &items, const ZuviError &) {
-                items.size() >= 5000 ? openRow(-1, v) : tryNext();
+            v.cid, [&, checkPlayable](const QList<ZuviDanmakuItem> &items, const ZuviError &) {
+                items.size() >= 5000 ? checkPlayable() : tryNext();
             });
     };
-    const auto findDense = [&] {
+    std::function<void(int)> findDense = [&](int page) {
         ZuviAPIClient::sharedClient()->fetchRecommendedPage(
-            1, 60, [&](const QList<ZuviVideoItem> &videos, const ZuviError &) {
-                candidates = videos;
-                tryNext();
+            page, 60, [&, page](const QList<ZuviVideoItem> &videos, const ZuviError &) {
+                candidates += videos;
+                page < 3 ? findDense(page + 1) : tryNext();
             });
     };
     // The grid loads its first page on its own; wait for it.
@@ -231,7 +238,7 @@ int main(int argc, char **argv)
             return;
         poll.stop();
         shot("0-grid");
-        measure > 0 ? findDense() : openRow(0, {});
+        measure > 0 ? findDense(1) : openRow(0, {});
     });
     poll.start(200);
     return app.exec();
