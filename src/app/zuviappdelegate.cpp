@@ -25,6 +25,7 @@
 #include <QMetaMethod>
 #include <QQmlComponent>
 #include <QQmlEngine>
+#include <QQuickWindow>
 #include <QStandardPaths>
 
 Q_LOGGING_CATEGORY(lcApp, "zuvi.app")
@@ -238,6 +239,11 @@ bool ZuviAppDelegate::createWindow(QQmlEngine *engine)
         !engine->imageProvider(QString::fromLatin1(ZuviImageProvider::kProviderId)))
         engine->addImageProvider(QString::fromLatin1(ZuviImageProvider::kProviderId),
                                  new ZuviImageProvider(m_services.imageLoader));
+    // Text drawn from the font's own glyph bitmaps: crisp at the small sizes
+    // of a list, and far cheaper per frame than distance-field text under a
+    // software renderer, where every text pixel of the window is shaded again
+    // with each video frame.
+    QQuickWindow::setTextRenderType(QQuickWindow::NativeTextRendering);
     QQmlComponent component(engine,
                             ZuviViewController::modulePageUrl(QStringLiteral("AppWindow.qml")));
     const QSize size = ZuviIdiom::defaultWindowSize(ZuviIdiom::current());

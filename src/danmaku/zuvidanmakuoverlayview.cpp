@@ -99,7 +99,7 @@ void ZuviDanmakuOverlayView::afterStateChange()
     const quint64 launched = m_engine.counters().launched;
     const bool changed = count != m_shownCount || newest != m_shownNewest;
     if (m_engine.isAnimating() || changed)
-        update();
+        requestFrame();
     if (changed || launched != m_reportedLaunched || droppedCount() != m_reportedDropped ||
         m_engine.isDanmakuPaused() != m_reportedPaused) {
         m_shownCount = count;
@@ -109,6 +109,32 @@ void ZuviDanmakuOverlayView::afterStateChange()
         m_reportedPaused = m_engine.isDanmakuPaused();
         emit countersChanged();
     }
+}
+
+void ZuviDanmakuOverlayView::requestFrame()
+{
+    if (m_followsVideoFrames)
+        m_frameHeldForVideo = true;
+    else
+        update();
+}
+
+void ZuviDanmakuOverlayView::videoFrameShown()
+{
+    m_followsVideoFrames = true;
+    if (m_frameHeldForVideo || m_engine.isAnimating())
+        update();
+    m_frameHeldForVideo = false;
+}
+
+void ZuviDanmakuOverlayView::stopFollowingVideoFrames()
+{
+    if (!m_followsVideoFrames)
+        return;
+    m_followsVideoFrames = false;
+    if (m_frameHeldForVideo || m_engine.isAnimating())
+        update();
+    m_frameHeldForVideo = false;
 }
 
 // Runs on the main thread once per rendered frame: flights that ended leave

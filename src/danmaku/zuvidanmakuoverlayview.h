@@ -50,6 +50,18 @@ public:
     Q_INVOKABLE void setDanmakuPaused(bool paused);
     Q_INVOKABLE QString debugStateTextForPlaybackTime(double playbackTime, bool playing) const;
 
+    // The movie underneath showed a new picture. From then on the overlay
+    // draws only together with the movie's pictures, so that a playing video
+    // and flying labels cost one frame per video frame rather than two
+    // interleaved streams of frames (under software rendering each frame
+    // repaints the whole window). Following ends with stopFollowingVideoFrames().
+    void videoFrameShown();
+    // The movie's pictures stopped coming (paused, stalled, ended, gone):
+    // the overlay asks for its own frames again, starting with any change
+    // held back for the next picture.
+    void stopFollowingVideoFrames();
+    bool isFollowingVideoFrames() const { return m_followsVideoFrames; }
+
     int visibleCount() const { return m_engine.visibleLabelCount(); }
     int itemCount() const { return int(m_engine.danmakuItems().size()); }
     // Labels launched, and items dropped by the cap or for want of a lane.
@@ -68,6 +80,7 @@ protected:
 
 private:
     void afterStateChange();
+    void requestFrame();
     void frameAnimated();
     void watchWindow(QQuickWindow *window);
     ZuviDanmakuLabelNode *createLabelNode(const ZuviDanmakuLabel &label);
@@ -82,4 +95,8 @@ private:
     quint64 m_reportedLaunched = 0;
     qint64 m_reportedDropped = 0;
     bool m_reportedPaused = false;
+    // While following the movie's pictures, a change that needs a frame
+    // waits here for the next picture.
+    bool m_followsVideoFrames = false;
+    bool m_frameHeldForVideo = false;
 };

@@ -15,7 +15,10 @@ Rectangle {
     readonly property ZuviMoviePlayer player: controller.moviePlayer
     readonly property bool fullscreen: player !== null && player.fullscreen
 
-    color: "black"
+    // Inline, the player container behind is already black; a second black
+    // fill under the picture would only be repainted with every frame.
+    // Fullscreen, this view is the backdrop of the letterboxed picture.
+    color: fullscreen ? "black" : "transparent"
 
     function timeText(seconds) {
         if (!(seconds > 0))

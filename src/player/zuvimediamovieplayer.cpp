@@ -3,8 +3,12 @@
 #include <QLoggingCategory>
 #include <QMediaMetaData>
 #include <QTimer>
+#include <QVideoSink>
 
 #include <cmath>
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
 
 Q_LOGGING_CATEGORY(lcZuviPlayer, "zuvi.player")
 
@@ -17,7 +21,8 @@ ZuviMediaMoviePlayer::ZuviMediaMoviePlayer(QObject *parent) : ZuviMoviePlayer(pa
             &ZuviMediaMoviePlayer::updateLoadState);
     connect(&m_player, &QMediaPlayer::playbackStateChanged, this,
             &ZuviMoviePlayer::playbackStateDidChange);
-    connect(&m_player, &QMediaPlayer::positionChanged, this, &ZuviMoviePlayer::timeChanged);
+    connect(&m_player, &QMediaPlayer::positionChanged, this,
+            &ZuviMediaMoviePlayer::positionChanged);
     connect(&m_player, &QMediaPlayer::durationChanged, this, &ZuviMoviePlayer::timeChanged);
     connect(&m_player, &QMediaPlayer::playbackRateChanged, this, &ZuviMoviePlayer::rateChanged);
     connect(&m_player, &QMediaPlayer::errorOccurred, this,
@@ -40,7 +45,20 @@ void ZuviMediaMoviePlayer::setContentURL(const QUrl &url)
 {
     m_initialTimeApplied = false;
     m_finished = false;
+    m_endedBySeek = false;
     m_player.setSource(url);
+    if (url.isEmpty())
+        returnFreedMemory();
+}
+
+// A torn-down pipeline frees tens of megabytes of decoded frames, spread over
+// the allocator's per-thread arenas; without a trim the process keeps them
+// resident, and every replay (a new pipeline) would add its own on top.
+void ZuviMediaMoviePlayer::returnFreedMemory()
+{
+#ifdef __GLIBC__
+    malloc_trim(0);
+#endif
 }
 
 void ZuviMediaMoviePlayer::setView(QQuickItem *view)
@@ -48,6 +66,37 @@ void ZuviMediaMoviePlayer::setView(QQuickItem *view)
     m_view = view;
     QObject *output = view ? view->findChild<QObject *>(QStringLiteral("videoOutput")) : nullptr;
     m_player.setVideoOutput(output);
+    QObject::disconnect(m_frameConnection);
+    m_frameConnection = {};
+    m_timeChangeHeld = false;
+    if (QVideoSink *sink = output ? m_player.videoSink() : nullptr)
+        m_frameConnection = connect(sink, &QVideoSink::videoFrameChanged, this,
+                                    &ZuviMediaMoviePlayer::videoFrameArrived);
+}
+
+// The media reports its position on a timer of its own, out of step with
+// the pictures; each report would repaint the seek bar in a frame between
+// two pictures. While pictures come, the report waits for the next one.
+// Two reports with no picture between them mean the pictures stopped (or
+// there are none), and then every report goes out at once.
+void ZuviMediaMoviePlayer::positionChanged()
+{
+    if (m_frameConnection && !m_timeChangeHeld &&
+        m_player.playbackState() == QMediaPlayer::PlayingState) {
+        m_timeChangeHeld = true;
+        return;
+    }
+    m_timeChangeHeld = false;
+    emit timeChanged();
+}
+
+void ZuviMediaMoviePlayer::videoFrameArrived()
+{
+    emit videoFrameDidChange();
+    if (m_timeChangeHeld) {
+        m_timeChangeHeld = false;
+        emit timeChanged();
+    }
 }
 
 QSizeF ZuviMediaMoviePlayer::naturalSize() const
@@ -58,8 +107,9 @@ QSizeF ZuviMediaMoviePlayer::naturalSize() const
 void ZuviMediaMoviePlayer::play()
 {
     // Playing again after the end starts over, as a replay would.
-    if (m_player.mediaStatus() == QMediaPlayer::EndOfMedia)
+    if (m_player.mediaStatus() == QMediaPlayer::EndOfMedia || m_endedBySeek)
         m_player.setPosition(0);
+    m_endedBySeek = false;
     m_finished = false;
     m_player.play();
 }
@@ -77,6 +127,14 @@ void ZuviMediaMoviePlayer::stop()
 void ZuviMediaMoviePlayer::seek(double seconds)
 {
     const double target = std::max(0.0, seconds);
+    // A seek to the very end (the seek bar's far end, a skip past the last
+    // seconds) ends playback here instead of in the media backend: streaming
+    // over HTTP, the backend would ask for the bytes after the last one, the
+    // server rightly refuses, and the pipeline stalls without a word.
+    if (duration() > 0 && target >= duration()) {
+        finishAtEnd();
+        return;
+    }
     m_seekState =
         target >= currentPlaybackTime() ? PlaybackSeekingForward : PlaybackSeekingBackward;
     emit playbackStateDidChange();
@@ -84,6 +142,16 @@ void ZuviMediaMoviePlayer::seek(double seconds)
     // QMediaPlayer seeks without reporting when it is done; the seeking
     // state lasts until control returns to the event loop.
     QTimer::singleShot(0, this, &ZuviMediaMoviePlayer::endSeek);
+}
+
+void ZuviMediaMoviePlayer::finishAtEnd()
+{
+    m_player.pause();
+    m_endedBySeek = true;
+    if (m_finished)
+        return;
+    m_finished = true;
+    emit playbackDidFinish(FinishReasonPlaybackEnded);
 }
 
 void ZuviMediaMoviePlayer::endSeek()

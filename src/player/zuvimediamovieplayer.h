@@ -47,6 +47,10 @@ private:
     void mediaStatusChanged(QMediaPlayer::MediaStatus status);
     void updateLoadState();
     void endSeek();
+    void finishAtEnd();
+    static void returnFreedMemory();
+    void positionChanged();
+    void videoFrameArrived();
 
     QMediaPlayer m_player;
     QAudioOutput m_audio;
@@ -56,5 +60,9 @@ private:
     int m_loadState = LoadStateUnknown;
     bool m_fullscreen = false;
     bool m_finished = false;
+    bool m_endedBySeek = false;                  // paused at the end by a seek there
     PlaybackState m_seekState = PlaybackStopped; // a seeking state while a seek runs
+    QMetaObject::Connection m_frameConnection;
+    // A clock change seen since the last picture, held back for the next one.
+    bool m_timeChangeHeld = false;
 };

@@ -104,6 +104,11 @@ signals:
     void willExitFullscreen();
     void didExitFullscreen();
 
+    // A new picture of the movie reached the screen.
+    void videoFrameDidChange();
+
+    // The clock moved. While pictures are coming it moves with them, so a
+    // seek bar following it never costs a frame of its own.
     void timeChanged();
     void fullscreenChanged();
     void rateChanged();

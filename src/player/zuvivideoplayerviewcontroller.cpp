@@ -432,6 +432,7 @@ void ZuviVideoPlayerViewController::observeMoviePlayer(ZuviMoviePlayer *player)
     connect(player, &P::didEnterFullscreen, this, &C::moviePlayerDidEnterFullscreen);
     connect(player, &P::willExitFullscreen, this, &C::moviePlayerWillExitFullscreen);
     connect(player, &P::didExitFullscreen, this, &C::moviePlayerDidExitFullscreen);
+    connect(player, &P::videoFrameDidChange, this, &C::movieVideoFrameDidChange);
 }
 
 void ZuviVideoPlayerViewController::movieLoadStateChanged()
@@ -578,6 +579,9 @@ void ZuviVideoPlayerViewController::releaseMoviePlayer()
         player->pause();
         player->stop();
         player->setView(nullptr);
+        // The media goes now, not when the player object does: a replay
+        // makes its new player before the event loop deletes this one.
+        player->setContentURL(QUrl());
         m_moviePlayer = nullptr;
         player->deleteLater();
     }
@@ -585,6 +589,8 @@ void ZuviVideoPlayerViewController::releaseMoviePlayer()
     restoreDanmakuOverlayToPlayerContainer();
     m_pendingMovieFinishReason = 0;
     stopDanmakuTimer();
+    m_videoFrameSinceTimerTick = false;
+    m_overlay->stopFollowingVideoFrames();
     m_overlay->clearVisibleDanmaku();
     emit moviePlayerChanged();
 }
@@ -888,8 +894,28 @@ void ZuviVideoPlayerViewController::startDanmakuTimer()
 {
     if (m_scheduler->isScheduled(this, kDanmakuTimer))
         return;
-    m_scheduler->repeat(this, kDanmakuTimer, kDanmakuTickInterval,
-                        [this] { tickDanmakuAtCurrentPlaybackTime(); });
+    m_scheduler->repeat(this, kDanmakuTimer, kDanmakuTickInterval, [this] {
+        tickDanmakuAtCurrentPlaybackTime();
+        checkVideoFramesStillComing();
+    });
+}
+
+// The overlay draws with the movie's pictures while they come (see
+// ZuviDanmakuOverlayView::videoFrameShown); a whole tick without one means
+// they stopped, and the overlay goes back to asking for frames itself.
+void ZuviVideoPlayerViewController::movieVideoFrameDidChange()
+{
+    if (!m_moviePlayer || sender() != m_moviePlayer)
+        return;
+    m_videoFrameSinceTimerTick = true;
+    m_overlay->videoFrameShown();
+}
+
+void ZuviVideoPlayerViewController::checkVideoFramesStillComing()
+{
+    if (!m_videoFrameSinceTimerTick)
+        m_overlay->stopFollowingVideoFrames();
+    m_videoFrameSinceTimerTick = false;
 }
 
 void ZuviVideoPlayerViewController::stopDanmakuTimer()

@@ -128,6 +128,8 @@ public:
     bool defaultDanmakuEnabled() const;
     void syncDanmakuEnabledFromDefaults();
     void tickDanmakuAtCurrentPlaybackTime();
+    void movieVideoFrameDidChange();
+    void checkVideoFramesStillComing();
     double currentPlaybackTimeForDanmaku() const;
     Q_INVOKABLE void appendLocalDanmakuText(const QString &text, double playbackTime);
     static QString danmakuTimeRangeTextForItems(const QList<ZuviDanmakuItem> &items);
@@ -316,6 +318,7 @@ private:
     QStringList m_danmakuLogLines;
     double m_lastDanmakuTickPlaybackTime = -1.0;
     int m_stagnantPlaybackTickCount = 0;
+    bool m_videoFrameSinceTimerTick = false;
     int m_danmakuTickDebugCounter = 0;
     bool m_danmakuSuspendedForFullscreenExit = false;
     bool m_movieShouldResumeAfterFullscreenExit = false;

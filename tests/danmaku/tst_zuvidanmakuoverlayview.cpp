@@ -90,6 +90,7 @@ private slots:
     void painterStylesAndElides();
     void rendersLabelsAsTextures();
     void asksForFramesOnlyWhileMoving();
+    void drawsWithVideoFramesWhileFollowingThem();
     void enabledSwitchHidesAndResets();
     void registeredInQml();
 };
@@ -204,6 +205,62 @@ void TestZuviDanmakuOverlayView::asksForFramesOnlyWhileMoving()
     scene.overlay.tickAtPlaybackTime(1.12, true);
     scene.grab();
     QCOMPARE(scene.overlay.syncs, idle + 5);
+}
+
+void TestZuviDanmakuOverlayView::drawsWithVideoFramesWhileFollowingThem()
+{
+    Scene scene;
+    scene.grab();
+    const int idle = scene.overlay.syncs;
+    scene.overlay.setDanmakuItems(
+        {item(1.0, 1, QStringLiteral("跟随")), item(2.0, 5, QStringLiteral("顶部"))});
+    scene.overlay.videoFrameShown();
+    QVERIFY(scene.overlay.isFollowingVideoFrames());
+    // A launch and animated frames between two pictures draw nothing.
+    scene.overlay.tickAtPlaybackTime(1.0, true);
+    QCOMPARE(scene.overlay.visibleCount(), 1);
+    scene.clock.advance(1.0 / 60);
+    emit scene.window.afterAnimating();
+    scene.grab();
+    QCOMPARE(scene.overlay.syncs, idle);
+    // Each picture brings one frame, with what changed since the last.
+    for (int picture = 1; picture <= 3; ++picture) {
+        scene.clock.advance(1.0 / 25);
+        scene.overlay.videoFrameShown();
+        emit scene.window.afterAnimating();
+        scene.grab();
+        QCOMPARE(scene.overlay.syncs, idle + picture);
+    }
+    // Paused: the next picture shows where the labels stopped, and later
+    // pictures (a seek's, say) ask for nothing.
+    scene.clock.advance(1.0 / 60);
+    emit scene.window.afterAnimating();
+    scene.overlay.tickAtPlaybackTime(1.0, false);
+    scene.grab();
+    QCOMPARE(scene.overlay.syncs, idle + 3);
+    scene.overlay.videoFrameShown();
+    scene.grab();
+    const int frozen = scene.overlay.syncs;
+    QCOMPARE(frozen, idle + 4);
+    for (int picture = 0; picture < 2; ++picture) {
+        scene.overlay.videoFrameShown();
+        scene.grab();
+    }
+    QCOMPARE(scene.overlay.syncs, frozen);
+    // A launch held for a picture that never comes is drawn once following
+    // stops, and from then on the overlay asks for its own frames.
+    scene.overlay.tickAtPlaybackTime(2.0, true);
+    QCOMPARE(scene.overlay.visibleCount(), 2);
+    scene.grab();
+    QCOMPARE(scene.overlay.syncs, frozen);
+    scene.overlay.stopFollowingVideoFrames();
+    QVERIFY(!scene.overlay.isFollowingVideoFrames());
+    scene.grab();
+    QCOMPARE(scene.overlay.syncs, frozen + 1);
+    scene.clock.advance(1.0 / 60);
+    emit scene.window.afterAnimating();
+    scene.grab();
+    QCOMPARE(scene.overlay.syncs, frozen + 2);
 }
 
 void TestZuviDanmakuOverlayView::enabledSwitchHidesAndResets()

@@ -85,6 +85,7 @@ private slots:
     void retry_data();
     void retry();
     void stallFreezesOverlayAndProgressResumesIt();
+    void overlayFollowsVideoFramesWhileTheyCome();
     void fullscreenMovesOverlayAndResumesPlay_data();
     void fullscreenMovesOverlayAndResumesPlay();
     void finishReasons_data();
@@ -453,6 +454,36 @@ void TestVideoPlayerViewController::stallFreezesOverlayAndProgressResumesIt()
     player->setTime(12.5);
     player->changeState(Player::PlaybackPaused);
     QVERIFY(overlay->isDanmakuPaused());
+}
+
+void TestVideoPlayerViewController::overlayFollowsVideoFramesWhileTheyCome()
+{
+    startPlaying();
+    QPointer<ZuviScriptedMoviePlayer> player = lastPlayer();
+    ZuviDanmakuOverlayView *overlay = c->danmakuOverlay();
+    QVERIFY(!overlay->isFollowingVideoFrames());
+    emit player->videoFrameDidChange();
+    QVERIFY(overlay->isFollowingVideoFrames());
+    // Pictures within every tick keep the overlay on them, over many ticks.
+    for (int tick = 0; tick < 5; ++tick) {
+        f->scheduler.advance(Controller::kDanmakuTickInterval / 2);
+        emit player->videoFrameDidChange();
+        f->scheduler.advance(Controller::kDanmakuTickInterval / 2);
+        QVERIFY2(overlay->isFollowingVideoFrames(), qPrintable(QString::number(tick)));
+    }
+    // A whole tick without a picture: the overlay draws on its own again.
+    f->scheduler.advance(Controller::kDanmakuTickInterval);
+    QVERIFY(!overlay->isFollowingVideoFrames());
+
+    // A picture from a player this screen has let go of changes nothing.
+    emit player->videoFrameDidChange();
+    QVERIFY(overlay->isFollowingVideoFrames());
+    c->retryButtonTapped();
+    QVERIFY(lastPlayer() != player);
+    QVERIFY(!overlay->isFollowingVideoFrames());
+    QVERIFY(player);
+    emit player->videoFrameDidChange();
+    QVERIFY(!overlay->isFollowingVideoFrames());
 }
 
 void TestVideoPlayerViewController::fullscreenMovesOverlayAndResumesPlay_data()
