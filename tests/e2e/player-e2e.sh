@@ -63,9 +63,32 @@ sample() {
   echo "$label: median CPU ${median}% of one core over ${#samples[@]} s (first 5 s skipped), peak RSS $((peak / 1024)) MB"
 }
 
-sample app "$driver" --endpoints "$endpoints" --out "$out/measure" --measure 60 | tee "$out/measure.txt"
+# The video to measure: the first recommended one (of the first three pages)
+# with thousands of danmaku that plays as a single 720p file. Chosen here
+# with the command-line client, so the app's process does no extra work.
+cli=("$build/bin/oldzuvi-cli" --endpoints "$endpoints" --settings "$out/cli.ini")
+chosen=$(
+  for page in 1 2 3; do
+    "${cli[@]}" recommended --page "$page" --page-size 60 |
+      python3 -c 'import json,sys; [print(v["bvid"], v["cid"]) for v in json.load(sys.stdin)]'
+  done | while read -r bvid cid; do
+    count=$("${cli[@]}" danmaku --cid "$cid" --summary |
+      python3 -c 'import json,sys; print(json.load(sys.stdin).get("count", 0))')
+    [ "$count" -ge 5000 ] || continue
+    "${cli[@]}" playurl --bvid "$bvid" --cid "$cid" | python3 -c '
+import json, sys
+answer = json.load(sys.stdin)
+if answer.get("quality", 0) >= 64:
+    print(sys.argv[1], sys.argv[2], answer["url"])' "$bvid" "$cid" | grep . && break
+  done
+)
+[ -n "$chosen" ] || { echo "no dense 720p video in the first three pages" >&2; exit 1; }
+read -r bvid cid clip <<<"$chosen"
+video=(--bvid "$bvid" --cid "$cid")
+
+sample app "$driver" --endpoints "$endpoints" --out "$out/measure" --measure 60 "${video[@]}" |
+  tee "$out/measure.txt"
 sample app-no-danmaku "$driver" --endpoints "$endpoints" --out "$out/measure-off" --measure 60 \
-  --no-danmaku | tee -a "$out/measure.txt"
+  "${video[@]}" --no-danmaku | tee -a "$out/measure.txt"
 # The bare player plays exactly the file the app played.
-clip=$(grep -o 'playing http[^ ]*' "$out/app.log" | head -1 | cut -d' ' -f2)
 sample bare "$driver" --bare "$clip" --measure 60 | tee -a "$out/measure.txt"

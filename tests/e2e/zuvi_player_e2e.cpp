@@ -2,12 +2,15 @@
 // taps the first video of the recommended grid, lets it play with danmaku,
 // seeks back with the arrow key, enters fullscreen with F and leaves with Esc,
 // saving a screenshot after each step and printing what the screen reported.
-// With --measure SECONDS it only plays a video with a dense danmaku document
+// With --measure SECONDS --bvid ID --cid N it only plays that video (one with
+// a dense danmaku document, chosen by player-e2e.sh)
 // (replaying at the end) for that long, for whole-process CPU and memory
 // figures; --no-danmaku starts with the switch off; --bare URL plays the same
 // file in a plain QML MediaPlayer + VideoOutput window, without danmaku or UI.
 //
-// Usage: zuvi-player-e2e --endpoints FILE --out DIR [--measure SECONDS [--no-danmaku]]
+// Usage: zuvi-player-e2e --endpoints FILE --out DIR
+//        zuvi-player-e2e --endpoints FILE --out DIR --measure SECONDS --bvid ID --cid N
+//                        [--no-danmaku]
 //        zuvi-player-e2e --bare URL --measure SECONDS
 
 #include "app/zuviappdelegate.h"
@@ -17,7 +20,6 @@
 #include "browse/zuvivideogridviewcontroller.h"
 #include "browse/zuvivideoscreenopener.h"
 #include "danmaku/zuvidanmakuoverlayview.h"
-#include "net/zuviapiclient.h"
 #include "platform/zuvidefaults.h"
 #include "platform/zuviendpoints.h"
 #include "platform/zuvinotificationcenter.h"
@@ -99,6 +101,8 @@ int main(int argc, char **argv)
     parser.addOption({"measure", "only play for this many seconds", "seconds"});
     parser.addOption({"bare", "play this address without the app", "url"});
     parser.addOption({"no-danmaku", "start with the danmaku switched off"});
+    parser.addOption({"bvid", "the video to measure", "id"});
+    parser.addOption({"cid", "its part", "cid"});
     parser.process(app);
     const double measure = parser.value("measure").toDouble();
     if (parser.isSet("bare"))
@@ -133,18 +137,17 @@ int main(int argc, char **argv)
     ZuviVideoPlayerViewController *c = nullptr;
     Script script;
 
-    const auto shot = [&](const QString &name) {
-        const QString path = outDir + "/" + name + ".png";
-        window->grabWindow().save(path);
+    // What the screen reports, after the given label.
+    const auto report = [&](const QString &label) {
         if (!c) {
-            say(path);
+            say(label);
             return;
         }
         ZuviMoviePlayer *p = c->moviePlayer();
         ZuviDanmakuOverlayView *o = c->danmakuOverlay();
         say(QString("%1: t=%2 playing=%3 fullscreen=%4 state='%5' overlay %6x%7 in %8 "
                     "visible=%9 flying=%10 launched=%11 items=%12")
-                .arg(path)
+                .arg(label)
                 .arg(p ? p->currentPlaybackTime() : -1, 0, 'f', 2)
                 .arg(p && p->isPlaying())
                 .arg(c->isMoviePlayerFullscreen())
@@ -156,6 +159,11 @@ int main(int argc, char **argv)
                 .arg(o->visibleCount())
                 .arg(o->launchedCount())
                 .arg(o->itemCount()));
+    };
+    const auto shot = [&](const QString &name) {
+        const QString path = outDir + "/" + name + ".png";
+        window->grabWindow().save(path);
+        report(path);
     };
     const auto key = [&](Qt::Key k) { QTest::keyClick(window, k); };
 
@@ -183,8 +191,10 @@ int main(int argc, char **argv)
                 if (c->isPlaybackEndVisible())
                     c->playbackEndReplayTapped();
             });
+            // The state line only: a grabbed window would add its own
+            // buffers to the memory being measured.
             QTimer::singleShot(int(measure * 1000), &app, [&] {
-                shot("measure-end");
+                report(QStringLiteral("measure-end"));
                 QCoreApplication::quit();
             });
             return;
@@ -202,43 +212,22 @@ int main(int argc, char **argv)
         script.run();
     };
 
-    // For measuring, the first recommended video whose danmaku document is
-    // dense (thousands of items), from the first three pages of the feed.
-    QList<ZuviVideoItem> candidates;
-    std::function<void()> tryNext = [&] {
-        if (candidates.isEmpty()) {
-            say("no video with a dense danmaku document");
-            QCoreApplication::exit(5);
-            return;
-        }
-        const ZuviVideoItem v = candidates.takeFirst();
-        // Dense, and playable as one 720p file (not a segmented-only video).
-        const auto checkPlayable = [&, v] {
-            ZuviAPIClient::sharedClient()->fetchBestPlayURLWithBVID(
-                v.bvid, v.cid, [&, v](const QString &url, int quality, const ZuviError &) {
-                    !url.isEmpty() && quality >= 64 ? openRow(-1, v) : tryNext();
-                });
-        };
-        ZuviAPIClient::sharedClient()->fetchDanmakuWithCID(
-            v.cid, [&, checkPlayable](const QList<ZuviDanmakuItem> &items, const ZuviError &) {
-                items.size() >= 5000 ? checkPlayable() : tryNext();
-            });
-    };
-    std::function<void(int)> findDense = [&](int page) {
-        ZuviAPIClient::sharedClient()->fetchRecommendedPage(
-            page, 60, [&, page](const QList<ZuviVideoItem> &videos, const ZuviError &) {
-                candidates += videos;
-                page < 3 ? findDense(page + 1) : tryNext();
-            });
-    };
     // The grid loads its first page on its own; wait for it.
     QTimer poll;
     QObject::connect(&poll, &QTimer::timeout, &app, [&] {
         if (grid->videos().isEmpty())
             return;
         poll.stop();
-        shot("0-grid");
-        measure > 0 ? findDense(1) : openRow(0, {});
+        if (measure > 0) {
+            ZuviVideoItem chosen;
+            chosen.bvid = parser.value("bvid");
+            chosen.cid = parser.value("cid").toLongLong();
+            chosen.title = chosen.bvid;
+            openRow(-1, chosen);
+        } else {
+            shot("0-grid");
+            openRow(0, {});
+        }
     });
     poll.start(200);
     return app.exec();
