@@ -69,6 +69,7 @@ void ZuviMediaMoviePlayer::setView(QQuickItem *view)
     QObject::disconnect(m_frameConnection);
     m_frameConnection = {};
     m_timeChangeHeld = false;
+    m_pictureSinceLastReport = false;
     if (QVideoSink *sink = output ? m_player.videoSink() : nullptr)
         m_frameConnection = connect(sink, &QVideoSink::videoFrameChanged, this,
                                     &ZuviMediaMoviePlayer::videoFrameArrived);
@@ -76,13 +77,14 @@ void ZuviMediaMoviePlayer::setView(QQuickItem *view)
 
 // The media reports its position on a timer of its own, out of step with
 // the pictures; each report would repaint the seek bar in a frame between
-// two pictures. While pictures come, the report waits for the next one.
-// Two reports with no picture between them mean the pictures stopped (or
-// there are none), and then every report goes out at once.
+// two pictures. While pictures come (one arrived since the last report), the
+// report waits for the next picture. A report with no picture since the last
+// one means they stopped, or there are none, and it goes out at once.
 void ZuviMediaMoviePlayer::positionChanged()
 {
-    if (m_frameConnection && !m_timeChangeHeld &&
+    if (m_frameConnection && m_pictureSinceLastReport &&
         m_player.playbackState() == QMediaPlayer::PlayingState) {
+        m_pictureSinceLastReport = false;
         m_timeChangeHeld = true;
         return;
     }
@@ -92,6 +94,7 @@ void ZuviMediaMoviePlayer::positionChanged()
 
 void ZuviMediaMoviePlayer::videoFrameArrived()
 {
+    m_pictureSinceLastReport = true;
     emit videoFrameDidChange();
     if (m_timeChangeHeld) {
         m_timeChangeHeld = false;

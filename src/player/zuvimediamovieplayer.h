@@ -65,4 +65,5 @@ private:
     QMetaObject::Connection m_frameConnection;
     // A clock change seen since the last picture, held back for the next one.
     bool m_timeChangeHeld = false;
+    bool m_pictureSinceLastReport = false;
 };
