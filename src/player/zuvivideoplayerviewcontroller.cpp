@@ -589,8 +589,6 @@ void ZuviVideoPlayerViewController::releaseMoviePlayer()
     restoreDanmakuOverlayToPlayerContainer();
     m_pendingMovieFinishReason = 0;
     stopDanmakuTimer();
-    m_videoFrameSinceTimerTick = false;
-    m_overlay->stopFollowingVideoFrames();
     m_overlay->clearVisibleDanmaku();
     emit moviePlayerChanged();
 }
@@ -921,6 +919,9 @@ void ZuviVideoPlayerViewController::checkVideoFramesStillComing()
 void ZuviVideoPlayerViewController::stopDanmakuTimer()
 {
     m_scheduler->cancel(this, kDanmakuTimer);
+    // Without the tick nothing would notice the pictures stopping.
+    m_videoFrameSinceTimerTick = false;
+    m_overlay->stopFollowingVideoFrames();
 }
 
 bool ZuviVideoPlayerViewController::isDanmakuTimerRunning() const

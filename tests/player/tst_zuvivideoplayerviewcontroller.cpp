@@ -574,8 +574,12 @@ void TestVideoPlayerViewController::finishReasons()
     player->changeLoadState(Player::LoadStatePlayable);
     if (fullscreen)
         goFullscreen(player);
+    emit player->videoFrameDidChange();
     player->finish(reason);
     f->scheduler.advance(1.5);
+    // Wherever the danmaku tick stops, the overlay draws on its own again.
+    if (!c->isDanmakuTimerRunning())
+        QVERIFY(!c->danmakuOverlay()->isFollowingVideoFrames());
 
     QCOMPARE(c->moviePlayer() != nullptr, playerKept);
     QCOMPARE(c->isPlaybackEndVisible(), endShown);
