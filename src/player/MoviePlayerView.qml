@@ -15,10 +15,11 @@ Rectangle {
     readonly property ZuviMoviePlayer player: controller.moviePlayer
     readonly property bool fullscreen: player !== null && player.fullscreen
 
-    // Inline, the player container behind is already black; a second black
-    // fill under the picture would only be repainted with every frame.
-    // Fullscreen, this view is the backdrop of the letterboxed picture.
-    color: fullscreen ? "black" : "transparent"
+    // No fill under the picture: with a software renderer every pixel drawn
+    // is drawn again with each video frame, so only the letterbox bars
+    // around the picture are painted black (all of the view until the first
+    // picture).
+    color: "transparent"
 
     function timeText(seconds) {
         if (!(seconds > 0))
@@ -33,9 +34,45 @@ Rectangle {
     }
 
     VideoOutput {
+        id: videoOutput
         objectName: "videoOutput"
         anchors.fill: parent
         fillMode: VideoOutput.PreserveAspectFit
+    }
+
+    Item {
+        id: letterbox
+        objectName: "letterbox"
+        // Before the first picture the output reports all of itself as
+        // content; its source size tells whether there is a picture yet.
+        readonly property rect picture: videoOutput.sourceRect.width > 0
+                                        ? videoOutput.contentRect : Qt.rect(0, 0, 0, 0)
+        anchors.fill: parent
+
+        Rectangle { // above the picture, or all of the view without one
+            color: "black"
+            width: parent.width
+            height: letterbox.picture.width > 0 ? letterbox.picture.y : parent.height
+        }
+        Rectangle { // below
+            color: "black"
+            y: letterbox.picture.y + letterbox.picture.height
+            width: parent.width
+            height: letterbox.picture.width > 0 ? parent.height - y : 0
+        }
+        Rectangle { // left
+            color: "black"
+            y: letterbox.picture.y
+            width: letterbox.picture.x
+            height: letterbox.picture.height
+        }
+        Rectangle { // right
+            color: "black"
+            x: letterbox.picture.x + letterbox.picture.width
+            y: letterbox.picture.y
+            width: letterbox.picture.width > 0 ? parent.width - x : 0
+            height: letterbox.picture.height
+        }
     }
 
     // A swipe to the right that starts at the left edge leaves fullscreen.

@@ -15,6 +15,9 @@ Page {
 
     title: page.controller.title
     focus: true
+    // The window's own background shows through: a page-sized fill would be
+    // painted again under the movie with every video frame.
+    background: null
     header: NavigationBar {
         navigation: page.controller.navigationController
         title: page.controller.title
@@ -54,7 +57,8 @@ Page {
                 objectName: "playerContainer"
                 Layout.fillWidth: true
                 Layout.preferredHeight: width * 9 / 16
-                color: "black"
+                // The movie view paints its own letterbox.
+                color: "transparent"
                 clip: true
 
                 MoviePlayerView {

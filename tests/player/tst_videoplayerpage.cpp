@@ -99,6 +99,16 @@ void TestVideoPlayerPage::pageShowsPlayerErrorAndForwardsKeys()
     QCOMPARE(c->playerContainer(), container);
     QCOMPARE(c->danmakuOverlay()->parentItem(), container);
     QCOMPARE(c->title(), QStringLiteral("视频播放"));
+    // Without a picture the movie view's letterbox is black all over.
+    auto *movieView = page->findChild<QQuickItem *>("movieView");
+    auto *letterbox = page->findChild<QQuickItem *>("letterbox");
+    QVERIFY(movieView && letterbox);
+    QTRY_COMPARE(movieView->height(), movieView->width() * 9 / 16);
+    const QList<QQuickItem *> bars = letterbox->childItems();
+    QCOMPARE(bars.size(), 4);
+    QCOMPARE(bars.at(0)->size(), movieView->size());
+    for (QQuickItem *bar : bars.mid(1))
+        QVERIFY(bar->width() == 0 || bar->height() == 0);
 
     // The address is asked for, the movie is created, and QMediaPlayer's
     // failure on it comes back as the inline error with a retry.
