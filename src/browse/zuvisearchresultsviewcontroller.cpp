@@ -135,10 +135,7 @@ void ZuviSearchResultsViewController::applyResults(const QList<ZuviVideoItem> &r
             m_hasMorePages = false;
             return;
         }
-        const QString text = error.localizedDescription();
-        showStateMode(ZuviStateView::Error, QStringLiteral("搜索失败"),
-                      text.isEmpty() ? QStringLiteral("搜索失败，请稍后重试。") : text,
-                      QStringLiteral("重试"));
+        showLoadError(error, QStringLiteral("搜索失败"), QStringLiteral("搜索失败，请稍后重试。"));
         return;
     }
     m_currentPage = page;

@@ -239,10 +239,7 @@ void ZuviVideoGridViewController::applyRemoteVideos(const QList<ZuviVideoItem> &
             m_currentPage = previousPage;
             m_hasMorePages = previousHasMorePages;
         } else {
-            const QString text = error.localizedDescription();
-            showStateMode(ZuviStateView::Error, QStringLiteral("加载失败"),
-                          text.isEmpty() ? QStringLiteral("请检查网络后重试。") : text,
-                          QStringLiteral("重试"));
+            showLoadError(error, QStringLiteral("加载失败"), QStringLiteral("请检查网络后重试。"));
         }
         return;
     }

@@ -33,6 +33,14 @@ void ZuviVideoListViewController::showStateMode(int mode, const QString &title,
     m_stateView->setMode(mode, title, message, buttonTitle);
 }
 
+void ZuviVideoListViewController::showLoadError(const ZuviError &error, const QString &title,
+                                                const QString &fallbackMessage)
+{
+    const QString text = error.localizedDescription();
+    showStateMode(ZuviStateView::Error, title, text.isEmpty() ? fallbackMessage : text,
+                  QStringLiteral("重试"));
+}
+
 void ZuviVideoListViewController::clearStateView()
 {
     if (!m_stateView)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/zuviviewcontroller.h"
+#include "platform/zuvierror.h"
 #include "views/zuvistateview.h"
 
 #include <QPointer>
@@ -38,6 +39,10 @@ protected:
     // Shows the state view in a mode, making it on first use.
     void showStateMode(int mode, const QString &title, const QString &message,
                        const QString &buttonTitle);
+    // The error state with the failure's own description (or the fallback
+    // when it has none) and a retry button.
+    void showLoadError(const ZuviError &error, const QString &title,
+                       const QString &fallbackMessage);
     void clearStateView();
 
 private:

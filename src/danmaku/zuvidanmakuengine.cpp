@@ -13,17 +13,6 @@
 
 namespace {
 
-// The flight clock of the running application: monotonic seconds.
-double monotonicSeconds()
-{
-    static QElapsedTimer timer = [] {
-        QElapsedTimer started;
-        started.start();
-        return started;
-    }();
-    return double(timer.nsecsElapsed()) * 1e-9;
-}
-
 quint32 systemRandom(quint32 bound)
 {
     return QRandomGenerator::global()->bounded(bound);
@@ -33,6 +22,16 @@ quint32 systemRandom(quint32 bound)
 constexpr int maximumLaneCount = 14;
 
 } // namespace
+
+double ZuviDanmakuEngine::monotonicSeconds()
+{
+    static QElapsedTimer timer = [] {
+        QElapsedTimer started;
+        started.start();
+        return started;
+    }();
+    return double(timer.nsecsElapsed()) * 1e-9;
+}
 
 ZuviDanmakuEngine::ZuviDanmakuEngine(ZuviIdiom::Kind idiom, FlightClock clock, RandomSource random,
                                      TextMeasurer measurer)

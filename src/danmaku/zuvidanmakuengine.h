@@ -64,6 +64,9 @@ public:
     ZuviDanmakuEngine(const ZuviDanmakuEngine &) = delete;
     ZuviDanmakuEngine &operator=(const ZuviDanmakuEngine &) = delete;
 
+    // The default flight clock: monotonic seconds since first asked.
+    static double monotonicSeconds();
+
     // Injection points; an empty function restores the default.
     void setFlightClock(FlightClock clock);
     void setRandomSource(RandomSource random);

@@ -122,9 +122,7 @@ void ZuviDanmakuOverlayView::requestFrame()
 void ZuviDanmakuOverlayView::videoFrameShown()
 {
     m_followsVideoFrames = true;
-    if (m_frameHeldForVideo || m_engine.isAnimating())
-        update();
-    m_frameHeldForVideo = false;
+    drawHeldFrame();
 }
 
 void ZuviDanmakuOverlayView::stopFollowingVideoFrames()
@@ -132,6 +130,12 @@ void ZuviDanmakuOverlayView::stopFollowingVideoFrames()
     if (!m_followsVideoFrames)
         return;
     m_followsVideoFrames = false;
+    drawHeldFrame();
+}
+
+// A change held for a picture, or labels still moving, need this frame.
+void ZuviDanmakuOverlayView::drawHeldFrame()
+{
     if (m_frameHeldForVideo || m_engine.isAnimating())
         update();
     m_frameHeldForVideo = false;

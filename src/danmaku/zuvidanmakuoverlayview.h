@@ -81,6 +81,7 @@ protected:
 private:
     void afterStateChange();
     void requestFrame();
+    void drawHeldFrame();
     void frameAnimated();
     void watchWindow(QQuickWindow *window);
     ZuviDanmakuLabelNode *createLabelNode(const ZuviDanmakuLabel &label);

@@ -2,27 +2,14 @@
 
 #include "danmaku/zuvidanmakuoverlayview.h"
 
-#include <QElapsedTimer>
 #include <QKeyEvent>
 #include <QQuickWindow>
-
-namespace {
-double monotonicSeconds()
-{
-    static QElapsedTimer timer = [] {
-        QElapsedTimer started;
-        started.start();
-        return started;
-    }();
-    return double(timer.nsecsElapsed()) * 1e-9;
-}
-} // namespace
 
 ZuviDanmakuPreviewPlayer::ZuviDanmakuPreviewPlayer(QQuickWindow *window,
                                                    ZuviDanmakuOverlayView *overlay,
                                                    QObject *counters, Clock clock, QObject *parent)
     : QObject(parent), m_window(window), m_overlay(overlay), m_counters(counters),
-      m_clock(clock ? std::move(clock) : Clock(monotonicSeconds))
+      m_clock(clock ? std::move(clock) : Clock(ZuviDanmakuEngine::monotonicSeconds))
 {
     m_timer.setInterval(120);
     m_timer.setTimerType(Qt::PreciseTimer);
