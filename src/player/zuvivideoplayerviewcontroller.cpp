@@ -9,6 +9,7 @@
 #include "platform/zuviidiom.h"
 #include "platform/zuvinotificationcenter.h"
 #include "platform/zuvischeduler.h"
+#include "zuvigstreamertuning.h"
 #include "zuvimediamovieplayer.h"
 
 #include <QGuiApplication>
@@ -80,6 +81,9 @@ void ZuviVideoPlayerViewController::openVideosFromLists(ZuviAPIClient *client,
 
 ZuviVideoPlayerViewController::PlayerFactory ZuviVideoPlayerViewController::mediaPlayerFactory()
 {
+    // Called as a video screen is made, before its page builds the video
+    // output: that output's sink has a queue of its own to bound.
+    ZuviGStreamerTuning::install();
     return [](QObject *owner) { return new ZuviMediaMoviePlayer(owner); };
 }
 
