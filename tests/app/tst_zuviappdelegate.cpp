@@ -128,7 +128,6 @@ private slots:
         QTest::addColumn<QString>("name");
         QTest::newRow("0") << 0 << false << "tab_recommend";
         QTest::newRow("1 selected") << 1 << true << "tab_hot_selected";
-        QTest::newRow("2") << 2 << false << "tab_following";
         QTest::newRow("3 selected") << 3 << true << "tab_profile_selected";
         QTest::newRow("-1") << -1 << false << "";
         QTest::newRow("4") << 4 << true << "";

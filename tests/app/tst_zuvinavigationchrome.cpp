@@ -78,7 +78,6 @@ private slots:
         QTest::addColumn<double>("vx");
         QTest::addColumn<double>("vy");
         QTest::addColumn<bool>("begins");
-        QTest::newRow("at the edge, rightwards") << 2 << 10.0 << 300.0 << 0.0 << true;
         QTest::newRow("x = 56") << 2 << 56.0 << 300.0 << 0.0 << true;
         QTest::newRow("x = 57") << 2 << 57.0 << 300.0 << 0.0 << false;
         QTest::newRow("leftwards") << 2 << 10.0 << -300.0 << 0.0 << false;

@@ -60,7 +60,6 @@ private slots:
     {
         QTest::addColumn<QString>("keyword");
         QTest::newRow("empty") << "";
-        QTest::newRow("spaces") << "   ";
         QTest::newRow("ideographic space and line break") << QStringLiteral("\u3000\n\t");
     }
     void blankKeywordPromptsAndSendsNothing()
@@ -257,7 +256,6 @@ private slots:
         QTest::addColumn<double>("width");
         QTest::addColumn<int>("columns");
         QTest::addColumn<double>("spacing");
-        QTest::newRow("pad wide") << true << 1024.0 << 4 << 18.0;
         QTest::newRow("pad narrow") << true << 800.0 << 3 << 18.0;
         QTest::newRow("phone") << false << 320.0 << 1 << 10.0;
     }

@@ -491,12 +491,9 @@ private slots:
         QTest::addColumn<int>("columns");
         QTest::addColumn<double>("itemWidth");
         QTest::addColumn<double>("itemHeight");
-        QTest::newRow("pad 1024") << true << 1024.0 << 4 << 241.0 << 207.0;
         QTest::newRow("pad 900") << true << 900.0 << 4 << 210.0 << 189.0;
         QTest::newRow("pad 899") << true << 899.0 << 3 << 283.0 << 230.0;
-        QTest::newRow("pad 768") << true << 768.0 << 3 << 240.0 << 206.0;
         QTest::newRow("phone 320") << false << 320.0 << 1 << 310.0 << 92.0;
-        QTest::newRow("phone 375") << false << 375.0 << 1 << 365.0 << 96.0;
     }
     void columns()
     {

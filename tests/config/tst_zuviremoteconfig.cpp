@@ -56,7 +56,6 @@ private slots:
     void noSourcesAnswersAtOnce();
     void conditionalRequestsAnd304();
     void identicalBytesAnnouncedOnce();
-    void badDocumentKeepsPrevious_data();
     void badDocumentKeepsPrevious();
     void restartDropsOldAnswers();
     void messageOncePerVersionAndSource();
@@ -343,19 +342,12 @@ void TestZuviRemoteConfig::identicalBytesAnnouncedOnce()
     QCOMPARE(m_server->requests().last().header("If-None-Match"), QByteArray("\"e2\""));
 }
 
-void TestZuviRemoteConfig::badDocumentKeepsPrevious_data()
-{
-    QTest::addColumn<QByteArray>("body");
-    QTest::newRow("array") << QByteArray("[]");
-    QTest::newRow("null") << QByteArray("null");
-    QTest::newRow("broken") << QByteArray("{\"name\":");
-}
-
 void TestZuviRemoteConfig::badDocumentKeepsPrevious()
 {
-    QFETCH(QByteArray, body);
+    // Which bodies are refused is the parser's table (the values suite); here,
+    // what a refused document leaves in force.
     m_server->setAnswerSequence("GET", "/c.json",
-                                {document(kDocumentA, "\"e1\""), document(body, "\"e2\"")});
+                                {document(kDocumentA, "\"e1\""), document("[]", "\"e2\"")});
     startService({url("/c.json")});
     QTRY_COMPARE(count(ZuviRemoteConfig::kDidUpdateNotification), 1);
 

@@ -128,7 +128,6 @@ void TestZuviDanmakuEngine::laneMetrics_data()
     QTest::newRow("179 high, small inset") << true << 179.0 << 6 << 3 << 30.0;
     QTest::newRow("pad clamps at 14") << true << 768.0 << 14 << 3 << 46.0;
     QTest::newRow("phone clamps at 8") << false << 568.0 << 8 << 3 << 46.0;
-    QTest::newRow("phone 100 high") << false << 100.0 << 2 << 1 << 30.0;
     QTest::newRow("three lanes give one fixed") << true << 110.0 << 3 << 1 << 30.0;
 }
 
@@ -654,7 +653,6 @@ void TestZuviDanmakuEngine::readableColor_data()
     QTest::addColumn<quint32>("drawn");
 
     QTest::newRow("black turns white") << 0x000000u << 0xFFFFFFFFu;
-    QTest::newRow("dark blue turns white") << 0x000080u << 0xFFFFFFFFu;
     QTest::newRow("mid grey kept") << 0x808080u << 0xEB808080u;
     QTest::newRow("just below 0.18 turns white") << 0x2D2D2Du << 0xFFFFFFFFu;
     QTest::newRow("just above 0.18 kept") << 0x2E2E2Eu << 0xEB2E2E2Eu;
@@ -707,10 +705,8 @@ void TestZuviDanmakuEngine::verticalOffset_data()
     QTest::addColumn<qreal>("offset");
     QTest::addColumn<int>("bound"); // 0 when no random number is drawn
 
-    QTest::newRow("slack 5: any of 0…5") << 18.0 << 4u << 4.0 << 6;
     QTest::newRow("slack 5.5: still 0…5") << 17.5 << 5u << 5.0 << 6;
     QTest::newRow("slack 1: half, rounded down") << 22.0 << 0u << 0.0 << 0;
-    QTest::newRow("slack -9: centred up") << 32.0 << 0u << -5.0 << 0;
 }
 
 void TestZuviDanmakuEngine::verticalOffset()

@@ -38,7 +38,7 @@ private slots:
     void signedOutAnswers();
     void writesAreChecked_data();
     void writesAreChecked();
-    void actionsChangeWhatListsShow();
+    void actionsShowInCommentsDanmakuAndCounts();
     void commentsPage();
     void followingFeedPagesByOffset();
     void stateSurvivesRestartWithDataDirectory();
@@ -153,15 +153,11 @@ void TestZuviDemoService::sameSeedSameAnswers()
     QVERIFY(mine.contains("\"list\""));
     QCOMPARE(normalised(twinClient.get(path), twin->port()), mine);
     QVERIFY(normalised(otherClient.get(path), other->port()) != mine);
-    const qint64 cid = m_service->content().videos().at(12).pages.first().cid;
-    const QString dm = QStringLiteral("/x/v1/dm/list.so?oid=%1").arg(cid);
-    QCOMPARE(twinClient.get(dm).response.body, m_client->get(dm).response.body);
 }
 
 void TestZuviDemoService::listsAnswerInTheirShapes_data()
 {
-    const ZuviDemoContent content(1);
-    const ZuviDemoVideo &video = content.videos().at(3);
+    // Counts the client sees are driven end to end; here, the raw keys.
     QTest::addColumn<QString>("path");
     QTest::addColumn<QString>("listKey"); // "" when "data" itself is the list
     QTest::addColumn<int>("count");
@@ -173,13 +169,8 @@ void TestZuviDemoService::listsAnswerInTheirShapes_data()
     QTest::newRow("recommended")
         << "/x/web-interface/index/top/feed/rcmd?ps=12&fresh_idx=3&fresh_idx_1h=3&fresh_type=3"
         << "item" << 12 << "bvid,title,pic,owner,stat,duration,id,cid";
-    QTest::newRow("ranking all")
-        << "/x/web-interface/ranking/v2?rid=0&type=all&web_location=333.934&ps=50"
-        << "list" << 50 << "bvid,title,pic,owner,stat";
     QTest::newRow("legacy ranking") << "/x/web-interface/ranking/region?rid=1005&day=3"
                                     << "" << -1 << "bvid,title,author,play,video_review,duration";
-    QTest::newRow("related") << "/x/web-interface/archive/related?bvid=" + video.bvid << "" << 20
-                             << "bvid,title,owner,stat";
 }
 
 void TestZuviDemoService::listsAnswerInTheirShapes()
@@ -259,10 +250,8 @@ void TestZuviDemoService::playAddressKinds()
     };
     const ZuviDemoVideo &plain = videoWhere(
         [](const ZuviDemoVideo &v) { return v.playKind == ZuviDemoPlayKind::Progressive; });
-    const ZuviDemoVideo &walk = videoWhere(
-        [](const ZuviDemoVideo &v) { return v.playKind == ZuviDemoPlayKind::DashAtBest; });
-    const ZuviDemoVideo &segmented = videoWhere(
-        [](const ZuviDemoVideo &v) { return v.playKind == ZuviDemoPlayKind::SegmentedOnly; });
+    const ZuviDemoVideo &other =
+        videoWhere([&plain](const ZuviDemoVideo &v) { return v.bvid != plain.bvid; });
 
     const QJsonObject best = ask(plain, 64);
     QCOMPARE(best.value("quality").toInt(), 64);
@@ -273,22 +262,11 @@ void TestZuviDemoService::playAddressKinds()
         ask(plain, 16).value("durl").toArray().first().toObject().value("url").toString().endsWith(
             "-360.mp4"));
 
-    // The walk: 64 is segmented only, 32 is a single file.
-    QVERIFY(ask(walk, 64).value("dash").isObject());
-    QVERIFY(!ask(walk, 64).contains("durl"));
-    QCOMPARE(ask(walk, 32).value("durl").toArray().size(), 1);
-
-    for (int qn : {64, 32, 16}) {
-        const QJsonObject answer = ask(segmented, qn);
-        QVERIFY(answer.value("dash").isObject());
-        QVERIFY(!answer.contains("durl"));
-        QCOMPARE(answer.value("accept_quality").toArray(), (QJsonArray{80, 64, 32, 16}));
-    }
     // A cid of another video is not this video's part.
     QCOMPARE(m_client
                  ->get(QStringLiteral("/x/player/playurl?bvid=%1&cid=%2&qn=64")
                            .arg(plain.bvid)
-                           .arg(walk.pages.first().cid))
+                           .arg(other.pages.first().cid))
                  .code(),
              -404);
 }
@@ -335,9 +313,7 @@ void TestZuviDemoService::thumbnailsAtTheAskedSize_data()
     QTest::addColumn<QSize>("size");
     QTest::newRow("cover thumbnail")
         << "/img/cover/BV1abc.jpg@320w_180h_1c_80q.jpg" << QSize(320, 180);
-    QTest::newRow("low quality") << "/img/cover/BV1abc.jpg@160w_90h_1c_60q.jpg" << QSize(160, 90);
     QTest::newRow("full cover") << "/img/cover/BV1abc.jpg" << QSize(960, 540);
-    QTest::newRow("avatar") << "/img/face/3000001.jpg@320w_180h_1c_80q.jpg" << QSize(320, 180);
     QTest::newRow("full avatar") << "/img/face/3000001.jpg" << QSize(240, 240);
     QTest::newRow("clamped") << "/img/pic/x.jpg@9000w_10h_1c_80q.jpg"
                              << QSize(ZuviDemoImageRenderer::kMaxSide, 10);
@@ -441,31 +417,6 @@ void TestZuviDemoService::qrLoginWalksThroughItsStates()
     const QJsonObject nav = m_client->get("/x/web-interface/nav").data();
     QCOMPARE(nav.value("isLogin").toBool(), true);
     QCOMPARE(qint64(nav.value("mid").toDouble()), ZuviDemoContent::kDemoMID);
-    const QJsonObject stat =
-        m_client->get(QStringLiteral("/x/relation/stat?vmid=%1").arg(ZuviDemoContent::kDemoMID))
-            .data();
-    QVERIFY(stat.contains("following") && stat.contains("follower"));
-
-    // Confirming from the command line alone still shows the scanned state first.
-    const QString second = m_client->get("/x/passport-login/web/qrcode/generate")
-                               .data()
-                               .value("qrcode_key")
-                               .toString();
-    QCOMPARE(m_client->post("/admin/confirm", {{"qrcode_key", ""}})
-                 .data()
-                 .value("qrcode_key")
-                 .toString(),
-             second);
-    QCOMPARE(m_client->get("/x/passport-login/web/qrcode/poll?qrcode_key=" + second)
-                 .data()
-                 .value("code")
-                 .toInt(),
-             86090);
-    QCOMPARE(m_client->get("/x/passport-login/web/qrcode/poll?qrcode_key=" + second)
-                 .data()
-                 .value("code")
-                 .toInt(),
-             0);
 }
 
 void TestZuviDemoService::qrLoginExpires()
@@ -551,60 +502,12 @@ void TestZuviDemoService::writesAreChecked()
     QCOMPARE(m_service->state().isLiked(m_service->content().videos().at(0).aid), code == 0);
 }
 
-void TestZuviDemoService::actionsChangeWhatListsShow()
+void TestZuviDemoService::actionsShowInCommentsDanmakuAndCounts()
 {
     const QString cookie = signIn(*m_client);
     const QString csrf = ZuviAPIClient::mutableCookieDictionaryFromString(cookie).value("zuvi_jct");
     const ZuviDemoVideo &video = m_service->content().videos().at(222);
     const QString aid = QString::number(video.aid);
-
-    // Favourites: into the first folder of the member's list.
-    const QJsonArray folders = m_client->get("/x/v3/fav/folder/created/list-all?up_mid=20250001")
-                                   .data()
-                                   .value("list")
-                                   .toArray();
-    QVERIFY(folders.size() >= 1);
-    const QString folder =
-        QString::number(qint64(folders.first().toObject().value("id").toDouble()));
-    QCOMPARE(m_client
-                 ->post("/x/v3/fav/resource/deal", {{"rid", aid},
-                                                    {"type", "2"},
-                                                    {"add_media_ids", folder},
-                                                    {"del_media_ids", ""},
-                                                    {"csrf", csrf}})
-                 .code(),
-             0);
-    const QJsonArray medias =
-        m_client->get("/x/v3/fav/resource/list?media_id=" + folder + "&pn=1&ps=20&platform=web")
-            .data()
-            .value("medias")
-            .toArray();
-    QCOMPARE(medias.first().toObject().value("bvid").toString(), video.bvid);
-
-    // Watch later.
-    QCOMPARE(m_client->post("/x/v2/history/toview/add", {{"aid", aid}, {"csrf", csrf}}).code(), 0);
-    QCOMPARE(m_client->get("/x/v2/history/toview/web")
-                 .data()
-                 .value("list")
-                 .toArray()
-                 .first()
-                 .toObject()
-                 .value("bvid")
-                 .toString(),
-             video.bvid);
-
-    // History: asking for a play address is watching.
-    m_client->get(QStringLiteral("/x/player/playurl?bvid=%1&cid=%2&qn=64")
-                      .arg(video.bvid)
-                      .arg(video.pages.first().cid));
-    const QJsonObject latest =
-        m_client->get("/x/web-interface/history/cursor?max=0&view_at=0&business=archive&ps=20")
-            .data()
-            .value("list")
-            .toArray()
-            .first()
-            .toObject();
-    QCOMPARE(latest.value("history").toObject().value("bvid").toString(), video.bvid);
 
     // A comment appears first on page 1, its text escaped as the service stores it.
     QCOMPARE(m_client
@@ -798,16 +701,12 @@ void TestZuviDemoService::stateSurvivesRestartWithDataDirectory()
 
 void TestZuviDemoService::failureSwitches_data()
 {
+    // How the client reports a service code, a broken body and a dropped
+    // connection is driven end to end; here, what goes over the wire.
     QTest::addColumn<QString>("mode");
     QTest::addColumn<QString>("path");
-    QTest::newRow("service code") << "code:-412:请求过于频繁"
-                                  << "/x/web-interface/popular?pn=1&ps=20";
-    QTest::newRow("broken body") << "broken"
-                                 << "/x/web-interface/popular?pn=1&ps=20";
     QTest::newRow("html page") << "html"
                                << "/x/web-interface/popular?pn=1&ps=20";
-    QTest::newRow("dropped") << "drop"
-                             << "/x/web-interface/popular?pn=1&ps=20";
     QTest::newRow("broken danmaku") << "broken"
                                     << "/x/v1/dm/list.so?oid=1";
 }
@@ -819,23 +718,15 @@ void TestZuviDemoService::failureSwitches()
     const QString switched = QUrl(m_client->url(path)).path();
     QCOMPARE(m_client->post("/admin/fail", {{"path", switched}, {"mode", mode}}).code(), 0);
     const auto result = m_client->get(path);
-    if (mode.startsWith("code")) {
-        QCOMPARE(result.code(), -412);
-        QCOMPARE(result.json().value("message").toString(), QStringLiteral("请求过于频繁"));
-    } else if (mode == "broken") {
+    if (mode == "broken") {
+        // A document cut short: the status is fine, the closing tag is missing.
         QCOMPARE(result.response.statusCode, 200);
         QVERIFY(!result.response.body.isEmpty());
-        QJsonParseError error;
-        QJsonDocument::fromJson(result.response.body, &error);
-        QVERIFY(error.error != QJsonParseError::NoError);
         QVERIFY(!result.response.body.endsWith("</i>"));
-    } else if (mode == "html") {
+    } else {
         QCOMPARE(result.response.statusCode, 502);
         QVERIFY(result.response.header("Content-Type").startsWith("text/html"));
         QVERIFY(result.response.body.startsWith("<!DOCTYPE html>"));
-    } else {
-        QVERIFY(result.error.hasError());
-        QVERIFY(!result.response.isHTTP);
     }
     // Other paths are untouched; switching off restores the endpoint.
     QCOMPARE(m_client->get("/x/web-interface/ranking/v2?rid=0&type=all").code(), 0);

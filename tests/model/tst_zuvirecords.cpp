@@ -102,8 +102,6 @@ void TestZuviRecords::numberText_data()
     QTest::newRow("saturates negative")
         << "-99999999999999999999" << std::numeric_limits<qint64>::min()
         << std::numeric_limits<int>::min() << -1e20;
-    QTest::newRow("long decimal") << "3.14159265358979323846264" << qint64(3) << 3
-                                  << 3.14159265358979323846264;
     QTest::newRow("overflowing decimal reads 0") << "1e400" << qint64(1) << 1 << 0.0;
     QTest::newRow("infinity is not a number") << "inf" << qint64(0) << 0 << 0.0;
     QTest::newRow("nan is not a number") << "nan" << qint64(0) << 0 << 0.0;
@@ -171,8 +169,6 @@ void TestZuviRecords::countText_data()
                                              << "10000.0万";
     QTest::newRow("123456789") << json("123456789") << "1.2亿"
                                << "12345.7万";
-    QTest::newRow("150 million") << json("150000000") << "1.5亿"
-                                 << "15000.0万";
     // Single precision shows: 16777217 is not a float, it reads as 16777216.
     QTest::newRow("float rounding") << json("16777217") << "1677.7万"
                                     << "1677.7万";
@@ -208,7 +204,6 @@ void TestZuviRecords::durationText_data()
     QTest::newRow("missing") << QJsonValue(QJsonValue::Undefined) << "0:00";
     QTest::newRow("null") << json("null") << "0:00";
     QTest::newRow("already formatted") << json("\"12:34\"") << "12:34";
-    QTest::newRow("any text with a colon") << json("\"x:y\"") << "x:y";
     QTest::newRow("decimal seconds") << json("125.9") << "2:05";
     QTest::newRow("wrong type") << json("[125]") << "0:00";
 }
@@ -279,9 +274,6 @@ void TestZuviRecords::normalizedURLAndBVID_data()
     QTest::newRow("scheme-relative") << "//i0.example/a.jpg"
                                      << "https://i0.example/a.jpg"
                                      << "";
-    QTest::newRow("http stays") << "http://i0.example/a.jpg"
-                                << "http://i0.example/a.jpg"
-                                << "";
     QTest::newRow("empty") << ""
                            << ""
                            << "";

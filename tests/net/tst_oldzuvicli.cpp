@@ -208,10 +208,6 @@ void TestOldZuviCLI::failuresPrintErrorObject_data()
 
     QTest::newRow("service error")
         << QStringList{"popular"} << 1 << "ZuviAPIClientErrorDomain" << -400 << 1;
-    QTest::newRow("action checks first")
-        << QStringList{"like", "--aid", "5"} << 1 << "ZuviAPIClientErrorDomain" << 741 << 0;
-    QTest::newRow("send-danmaku ids") << QStringList{"send-danmaku", "--aid", "5", "--text", "x"}
-                                      << 1 << "ZuviAPIClientErrorDomain" << 748 << 0;
     QTest::newRow("missing argument")
         << QStringList{"search"} << 2 << "ZuviCLIErrorDomain" << 2 << 0;
     QTest::newRow("option without value")
@@ -221,8 +217,6 @@ void TestOldZuviCLI::failuresPrintErrorObject_data()
     QTest::newRow("unknown option")
         << QStringList{"popular", "--colour", "red"} << 2 << "ZuviCLIErrorDomain" << 2 << 0;
     QTest::newRow("unknown command") << QStringList{"dance"} << 2 << "ZuviCLIErrorDomain" << 2 << 0;
-    QTest::newRow("favorites without member")
-        << QStringList{"favorites"} << 1 << "ZuviAPIClientErrorDomain" << 720 << 0;
 }
 
 void TestOldZuviCLI::failuresPrintErrorObject()

@@ -249,7 +249,6 @@ void TestZuviAPIClientHelpers::shortErrorText_data()
                            << "未知错误";
     QTest::newRow("42 kept") << fortyTwo << fortyTwo;
     QTest::newRow("43 cut") << fortyTwo + "x" << fortyTwo + "...";
-    QTest::newRow("long cut") << QString(100, 'a') << QString(42, 'a') + "...";
 }
 
 void TestZuviAPIClientHelpers::shortErrorText()
@@ -270,8 +269,6 @@ void TestZuviAPIClientHelpers::stringAndCompactCount_data()
                           << "";
     QTest::newRow("text abc") << QJsonValue("abc") << "abc"
                               << "";
-    QTest::newRow("15000") << QJsonValue(15000) << "15000"
-                           << "1.5万";
     QTest::newRow("12345") << QJsonValue(12345) << "12345"
                            << "1.2万";
     QTest::newRow("10000") << QJsonValue(10000) << "10000"
@@ -288,8 +285,6 @@ void TestZuviAPIClientHelpers::stringAndCompactCount_data()
                           << "1";
     QTest::newRow("null") << QJsonValue() << ""
                           << "";
-    QTest::newRow("array") << QJsonValue(QJsonArray{1}) << ""
-                           << "";
     QTest::newRow("object") << QJsonValue(QJsonObject{{"a", 1}}) << ""
                             << "";
 }

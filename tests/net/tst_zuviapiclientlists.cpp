@@ -60,8 +60,6 @@ private slots:
     void favorites_data();
     void favorites();
     void connectionErrorPassesThrough();
-    void cookieOnlyWhenStored();
-    void developerModeRecordsFailures_data();
     void developerModeRecordsFailures();
 };
 
@@ -194,13 +192,6 @@ void TestZuviAPIClientLists::regionRankingFallback_data()
                zuviJson({{"code", 0}, {"data", QJsonObject{{"list", QJsonArray()}}}}))
         << legacyOk << 0 << 0 << 0;
     QTest::newRow("service code falls back") << serviceError << legacyOk << 1 << 1 << 0;
-    QTest::newRow("missing list falls back")
-        << ZuviScriptedAnswer::json(zuviJson({{"code", 0}, {"data", QJsonObject()}})) << legacyOk
-        << 1 << 1 << 0;
-    QTest::newRow("bad JSON falls back")
-        << ZuviScriptedAnswer::json("{not json") << legacyOk << 1 << 1 << 0;
-    QTest::newRow("empty body falls back")
-        << ZuviScriptedAnswer::json("") << legacyOk << 1 << 1 << 0;
     QTest::newRow("connection failure falls back") << silent << legacyOk << 1 << 1 << 0;
     QTest::newRow("only the legacy error is reported")
         << serviceError << legacyError << 1 << 0 << -404;
@@ -400,44 +391,21 @@ void TestZuviAPIClientLists::connectionErrorPassesThrough()
     QVERIFY(outcome.videos.isEmpty());
 }
 
-void TestZuviAPIClientLists::cookieOnlyWhenStored()
-{
-    ZuviClientTestFixture f;
-    f.answerJson("/x/web-interface/popular", listAnswer());
-    Outcome outcome;
-    f.client->fetchPopularPage(1, 1, recorder(&outcome));
-    ZUVI_WAIT(outcome.calls == 1);
-    QVERIFY(!f.server.requests().first().hasHeader("Cookie"));
-
-    // Logging out removes it from the next request.
-    f.client->updateCredentialCookie("SESSDATA=s");
-    f.client->clearCredentialCookie();
-    f.client->fetchPopularPage(1, 1, recorder(&outcome));
-    ZUVI_WAIT(outcome.calls == 2);
-    QVERIFY(!f.server.requests().last().hasHeader("Cookie"));
-}
-
-void TestZuviAPIClientLists::developerModeRecordsFailures_data()
-{
-    QTest::addColumn<bool>("developerMode");
-    QTest::newRow("on") << true;
-    QTest::newRow("off") << false;
-}
-
 void TestZuviAPIClientLists::developerModeRecordsFailures()
 {
-    QFETCH(bool, developerMode);
+    // With developer mode off nothing is logged (the wire suite); a list
+    // operation's failure goes through the same logging finish.
     ZuviClientTestFixture f;
-    f.defaults.get()->setBool(developerMode, ZuviAPIClient::kDeveloperModeKey);
+    f.defaults.get()->setBool(true, ZuviAPIClient::kDeveloperModeKey);
     f.answerJson("/x/v2/history/toview/web", zuviJson({{"code", -101}, {"message", "账号未登录"}}));
     Outcome outcome;
     f.client->fetchWatchLaterVideosWithCompletion(recorder(&outcome));
     ZUVI_WAIT(outcome.calls == 1);
     QCOMPARE(outcome.error.code, -101);
     const QString log = f.log->logText();
-    QCOMPARE(log.contains(
+    QVERIFY2(log.contains(
                  "视频列表接口\ndomain=ZuviAPIClientErrorDomain\ncode=-101\nmessage=账号未登录"),
-             developerMode);
+             qPrintable(log));
 }
 
 QTEST_MAIN(TestZuviAPIClientLists)
