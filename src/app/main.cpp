@@ -55,6 +55,7 @@ int main(int argc, char *argv[])
 {
     QElapsedTimer sinceMain;
     sinceMain.start();
+    ZuviAppDelegate::prepareProcess();
     // Options are read before any window system is touched, so a bad
     // endpoints file is reported even where no display is available.
     QStringList arguments;

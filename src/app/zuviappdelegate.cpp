@@ -28,6 +28,10 @@
 #include <QQuickWindow>
 #include <QStandardPaths>
 
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
+
 Q_LOGGING_CATEGORY(lcApp, "zuvi.app")
 
 const char *const ZuviAppDelegate::kDeveloperModeDidChangeNotification =
@@ -205,6 +209,18 @@ std::optional<double> ZuviAppDelegate::positiveInfoNumber(const QString &key) co
 void ZuviAppDelegate::developerModeDidChange()
 {
     startRemoteConfigNotifications();
+}
+
+void ZuviAppDelegate::prepareProcess()
+{
+#ifdef __GLIBC__
+    // The allocator gives each thread an arena of its own, up to eight per
+    // core, and memory freed in one arena serves no other. Playing a video
+    // runs some thirty threads (streaming, decoding, network, pictures,
+    // software rendering); two arenas keep about 5 MB less resident while
+    // playing, at no measurable cost in CPU.
+    mallopt(M_ARENA_MAX, 2);
+#endif
 }
 
 ZuviAppDelegate::Services ZuviAppDelegate::sharedServices()

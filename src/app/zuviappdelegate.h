@@ -91,6 +91,9 @@ public:
     // Pictures are the only thing worth giving back.
     void applicationDidReceiveMemoryWarning();
 
+    // Settings of the process itself, made first thing in main(), before
+    // any thread starts.
+    static void prepareProcess();
     // The information keys bundled with the application (Info.json).
     static QVariantMap bundledInfoDictionary();
     // The process-wide services, as the running application uses them.

@@ -36,6 +36,7 @@
 #include <QTest>
 #include <QTimer>
 
+#include <algorithm>
 #include <functional>
 
 Q_IMPORT_QML_PLUGIN(ZuviPlugin)
@@ -94,6 +95,9 @@ int runBare(QGuiApplication &app, const QString &url, double seconds)
 
 int main(int argc, char **argv)
 {
+    // The app's own process settings, unless this run is the bare player.
+    if (!std::any_of(argv, argv + argc, [](const char *a) { return qstrcmp(a, "--bare") == 0; }))
+        ZuviAppDelegate::prepareProcess();
     QGuiApplication app(argc, argv);
     QCommandLineParser parser;
     parser.addOption({"endpoints", "endpoints file", "file"});
