@@ -6,12 +6,14 @@
 // a dense danmaku document, chosen by player-e2e.sh)
 // (replaying at the end) for that long, for whole-process CPU and memory
 // figures; --no-danmaku starts with the switch off; --bare URL plays the same
-// file in a plain QML MediaPlayer + VideoOutput window, without danmaku or UI.
+// file in a plain QML MediaPlayer + VideoOutput window, without danmaku or UI;
+// with --trimmed that window's pipeline is bounded as the app bounds its own,
+// to tell the app's pipeline savings from what its screens cost.
 //
 // Usage: zuvi-player-e2e --endpoints FILE --out DIR
 //        zuvi-player-e2e --endpoints FILE --out DIR --measure SECONDS --bvid ID --cid N
 //                        [--no-danmaku]
-//        zuvi-player-e2e --bare URL --measure SECONDS
+//        zuvi-player-e2e --bare URL --measure SECONDS [--trimmed]
 
 #include "app/zuviappdelegate.h"
 #include "app/zuvidebuglog.h"
@@ -24,6 +26,7 @@
 #include "platform/zuviendpoints.h"
 #include "platform/zuvinotificationcenter.h"
 #include "platform/zuvischeduler.h"
+#include "player/zuvigstreamertuning.h"
 #include "player/zuvivideoplayerviewcontroller.h"
 
 #include <QCommandLineParser>
@@ -104,13 +107,17 @@ int main(int argc, char **argv)
     parser.addOption({"out", "screenshot directory", "dir"});
     parser.addOption({"measure", "only play for this many seconds", "seconds"});
     parser.addOption({"bare", "play this address without the app", "url"});
+    parser.addOption({"trimmed", "bound the bare player's pipeline as the app does"});
     parser.addOption({"no-danmaku", "start with the danmaku switched off"});
     parser.addOption({"bvid", "the video to measure", "id"});
     parser.addOption({"cid", "its part", "cid"});
     parser.process(app);
     const double measure = parser.value("measure").toDouble();
-    if (parser.isSet("bare"))
+    if (parser.isSet("bare")) {
+        if (parser.isSet("trimmed"))
+            ZuviGStreamerTuning::install();
         return runBare(app, parser.value("bare"), measure > 0 ? measure : 60);
+    }
 
     const QString outDir = parser.value("out").isEmpty() ? QDir::tempPath() : parser.value("out");
     QDir().mkpath(outDir);
