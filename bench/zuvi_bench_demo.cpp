@@ -6,8 +6,6 @@
 
 #include <benchmark/benchmark.h>
 
-#include <QCoreApplication>
-
 static void BM_GenerateContent(benchmark::State &state)
 {
     for (auto _ : state) {
@@ -51,13 +49,3 @@ BENCHMARK(BM_CoverThumbnail)
     ->Args({160, 90})
     ->Args({960, 540})
     ->Unit(benchmark::kMillisecond);
-
-int main(int argc, char **argv)
-{
-    // The JPEG writer is a plugin, found through the application object.
-    QCoreApplication app(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
-}

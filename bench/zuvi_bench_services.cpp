@@ -10,7 +10,6 @@
 
 #include <benchmark/benchmark.h>
 
-#include <QCoreApplication>
 #include <QDateTime>
 #include <QImage>
 #include <QJsonObject>
@@ -95,12 +94,3 @@ static void BM_ImageLoaderMemoryHit(benchmark::State &state)
         loader.loadImageWithURLString(address, ZuviImageLoader::Completion());
 }
 BENCHMARK(BM_ImageLoaderMemoryHit);
-
-int main(int argc, char **argv)
-{
-    QCoreApplication app(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
-}

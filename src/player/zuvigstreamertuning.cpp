@@ -24,8 +24,8 @@ bool isVideoDecoder(GstElementFactory *factory)
 
 bool hasIntProperty(GstElement *element, const char *name)
 {
-    GParamSpec *spec = g_object_class_find_property(G_OBJECT_GET_CLASS(element), name);
-    return spec && spec->value_type == G_TYPE_INT;
+    GParamSpec *property = g_object_class_find_property(G_OBJECT_GET_CLASS(element), name);
+    return property && property->value_type == G_TYPE_INT;
 }
 
 void trim(GstElement *bin, GstElement *element)
