@@ -28,6 +28,8 @@ public:
     bool isRefreshEnabled() const { return m_refreshEnabled; }
 
     Q_INVOKABLE virtual void refreshButtonTapped() = 0;
+    // The login card's button: opens the profile tab, where the user signs in.
+    Q_INVOKABLE void loginRequiredButtonTapped();
 
 signals:
     void stateViewChanged();
@@ -45,8 +47,17 @@ protected:
                        const QString &fallbackMessage);
     void clearStateView();
 
+    // The states of the signed-in-only tabs (see ZuviLoginGate); each also
+    // disables refresh. The screen empties its own list beside them.
+    void showLoginCheckingState();
+    void showLoginRequiredState(const QString &message);
+    void showLoginCheckFailedState(const ZuviError &error);
+
 private:
     QPointer<ZuviStateView> m_stateView;
+    // The login card has a picture, a white ground and its own button
+    // target; any other state starts again from a plain state view.
+    bool m_stateViewIsLoginCard = false;
     bool m_loading = false;
     bool m_loadingMore = false;
     bool m_refreshEnabled = true;
