@@ -4,7 +4,10 @@
 //
 //   oldzuvi-screenshots --endpoints FILE [--idiom pad|phone] --out FILE.png
 //                       [--size WxH] [--search KEYWORD] [--wait grid|search|loading|error]
-//                       [--settle MS]
+//                       [--settle MS] [--scenario NAME [--argument TEXT]]
+//
+// --scenario runs one of the scenarios the screens register (see
+// zuviscreenshotscenario.h) instead of the grid and search states above.
 #include "app/zuviappdelegate.h"
 #include "app/zuvidebuglog.h"
 #include "app/zuvinavigationcontroller.h"
@@ -19,6 +22,7 @@
 #include "platform/zuvinotificationcenter.h"
 #include "platform/zuvischeduler.h"
 #include "views/zuvistateview.h"
+#include "zuviscreenshotscenario.h"
 
 #include <QCommandLineParser>
 #include <QGuiApplication>
@@ -72,7 +76,9 @@ int main(int argc, char *argv[])
                        {"size", "window size WxH", "size"},
                        {"search", "search for this keyword first", "keyword"},
                        {"wait", "grid, search, loading or error", "state", "grid"},
-                       {"settle", "milliseconds to let pictures arrive", "ms", "1500"}});
+                       {"settle", "milliseconds to let pictures arrive", "ms", "1500"},
+                       {"scenario", "a registered scenario", "name"},
+                       {"argument", "the scenario's argument", "text"}});
     parser.process(QStringList{QGuiApplication::arguments().first()} + options.remaining);
     if (!parser.isSet("out"))
         return fail(QStringLiteral("--out is required"));
@@ -104,7 +110,20 @@ int main(int argc, char *argv[])
     };
     auto gridReady = [grid] { return !grid->isLoading() && grid->videos().size() > 0; };
 
-    if (parser.isSet("search")) {
+    if (parser.isSet("scenario")) {
+        const auto scenario =
+            ZuviScreenshotScenario::scenarios().value(parser.value("scenario"));
+        if (!scenario)
+            return fail(QStringLiteral("no scenario named %1").arg(parser.value("scenario")));
+        ZuviScreenshotScenario::Context context;
+        context.delegate = &delegate;
+        context.window = window;
+        context.parser = &parser;
+        context.argument = parser.value("argument");
+        context.save = save;
+        context.whenReady = whenReady;
+        scenario(context);
+    } else if (parser.isSet("search")) {
         const QString keyword = parser.value("search");
         whenReady(
             gridReady,

@@ -61,3 +61,14 @@ fail_feed code:-500
 shot state-error pad 1024x768 --wait error --settle 300
 shot state-error-phone phone 320x568 --wait error --settle 300
 "$service" fail off --port "$port" > /dev/null
+
+# Each screen adds its shots in a shots-<area>.sh of its own beside this
+# script, using shot(), fail_feed and the variables above; they run in name
+# order, each starting with every failure switch off.
+here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
+for extra in "$here"/shots-*.sh; do
+  [ -e "$extra" ] || continue
+  # shellcheck source=/dev/null
+  source "$extra"
+  "$service" fail off --port "$port" > /dev/null
+done
