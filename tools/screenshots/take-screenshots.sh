@@ -47,6 +47,20 @@ shot() {
     --size "$size" --out "$out/$name.png" "$@"
   echo "take-screenshots: $out/$name.png"
 }
+# sign_in NAME: before shot NAME, stores a signed-in session in that shot's
+# settings, through the demo service's QR login and its confirmation.
+sign_in() {
+  local settings="$work/$1.ini" lines="$work/$1.login"
+  "$build/bin/oldzuvi-cli" --endpoints "$endpoints" --settings "$settings" login \
+    > "$lines" 2> /dev/null &
+  local pid=$!
+  for _ in $(seq 200); do
+    [ -s "$lines" ] && break
+    sleep 0.05
+  done
+  "$service" confirm --port "$port" > /dev/null
+  wait "$pid"
+}
 fail_feed() { "$service" fail "$feed" "$1" --port "$port" > /dev/null; }
 
 shot grid-pad-1024 pad 1024x768
