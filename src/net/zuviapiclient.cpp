@@ -1,14 +1,14 @@
 #include "zuviapiclient.h"
 
-#include "app/zuvidebuglog.h"
-#include "model/zuvinumbertext.h"
+#include "model/zuvijsoncoercion.h"
+#include "platform/zuvidebuglog.h"
 #include "platform/zuvidefaults.h"
+#include "platform/zuvihttptransport.h"
 #include "platform/zuvinotificationcenter.h"
 #include "platform/zuvischeduler.h"
 #include "platform/zuviworkqueue.h"
 #include "zuviaccountparser.h"
 #include "zuvifollowingfeedparser.h"
-#include "zuvihttptransport.h"
 #include "zuvivideocontentparser.h"
 #include "zuvivideolistparser.h"
 
@@ -16,8 +16,6 @@
 #include <QJsonDocument>
 #include <QNetworkCookie>
 #include <QPointer>
-
-#include <cmath>
 
 const char *const ZuviAPIClient::kErrorDomain = "ZuviAPIClientErrorDomain";
 const char *const ZuviAPIClient::kCredentialCookieKey = "ZuviCredentialCookie";
@@ -319,57 +317,22 @@ QString ZuviAPIClient::shortErrorText(const ZuviError &error)
 
 QString ZuviAPIClient::stringFromObject(const QJsonValue &value)
 {
-    switch (value.type()) {
-    case QJsonValue::String:
-        return value.toString();
-    case QJsonValue::Bool:
-        return value.toBool() ? QStringLiteral("1") : QStringLiteral("0");
-    case QJsonValue::Double: {
-        const double number = value.toDouble();
-        // Whole numbers print without a fraction, as a number's stringValue does.
-        if (std::isfinite(number) && number == std::floor(number) && std::fabs(number) < 1e18)
-            return QString::number(static_cast<qint64>(number));
-        return QString::number(number, 'g', 17 - 2);
-    }
-    default:
-        return QString();
-    }
+    return ZuviJSONCoercion::stringFromObject(value);
 }
 
 QString ZuviAPIClient::compactCountStringFromObject(const QJsonValue &value)
 {
-    // Read like a number's "doubleValue": "12abc" is 12, "abc" is 0, whatever the locale.
-    const double count = ZuviNumberText::doubleValue(stringFromObject(value));
-    if (count >= 10000)
-        return QString::asprintf("%.1f", count / 10000.0) + QStringLiteral("万");
-    if (count > 0)
-        return QString::number(static_cast<qint64>(count));
-    return QString();
+    return ZuviJSONCoercion::compactCountStringFromObject(value);
 }
 
 qint64 ZuviAPIClient::integerFromObject(const QJsonValue &value)
 {
-    return ZuviNumberText::longLongValue(stringFromObject(value));
+    return ZuviJSONCoercion::integerFromObject(value);
 }
 
 bool ZuviAPIClient::boolFromObject(const QJsonValue &value)
 {
-    if (value.isBool())
-        return value.toBool();
-    if (value.isDouble())
-        return value.toDouble() != 0;
-    const QString string = value.toString();
-    int i = 0;
-    while (i < string.size() && string.at(i).isSpace())
-        ++i;
-    if (i < string.size() && (string.at(i) == '+' || string.at(i) == '-'))
-        ++i;
-    while (i < string.size() && string.at(i) == '0')
-        ++i;
-    if (i >= string.size())
-        return false;
-    const QChar first = string.at(i).toUpper();
-    return first == 'Y' || first == 'T' || (first >= '1' && first <= '9');
+    return ZuviJSONCoercion::boolFromObject(value);
 }
 
 ZuviError ZuviAPIClient::serviceErrorFromRootDictionary(const QJsonObject &root,

@@ -1,5 +1,5 @@
-#include "app/zuvidebuglog.h"
 #include "net/zuviapiclient.h"
+#include "platform/zuvidebuglog.h"
 #include "platform/zuvinotificationcenter.h"
 #include "zuvitestsupport.h"
 
