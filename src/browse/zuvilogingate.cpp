@@ -20,9 +20,9 @@ void ZuviLoginGate::performWhenLoggedIn(std::function<void()> action)
     m_checking = true;
     if (m_handlers.showChecking)
         m_handlers.showChecking();
-    m_client->fetchCurrentUserProfileWithCompletion(ZuviLifetime::bound(
-        this, [this, action](const std::optional<ZuviUserProfile> &profile,
-                             const ZuviError &error) {
+    m_client->fetchCurrentUserProfileWithCompletion(
+        ZuviLifetime::bound(this, [this, action](const std::optional<ZuviUserProfile> &profile,
+                                                 const ZuviError &error) {
             m_checking = false;
             if (profile && profile->isLogin && profile->mid > 0) {
                 action();

@@ -25,8 +25,7 @@ class ZuviLifetime
 public:
     ZuviLifetime() = delete;
 
-    template <typename Owner, typename Callback>
-    static auto bound(Owner *owner, Callback callback)
+    template <typename Owner, typename Callback> static auto bound(Owner *owner, Callback callback)
     {
         static_assert(std::is_base_of_v<QObject, Owner>, "only a QObject has a lifetime to follow");
         return [guard = QPointer<Owner>(owner),
@@ -39,8 +38,7 @@ public:
 
     // True while the owner lives: for a chain of steps that checks once
     // before each step rather than wrapping every callback.
-    template <typename Owner>
-    static QPointer<Owner> watch(Owner *owner)
+    template <typename Owner> static QPointer<Owner> watch(Owner *owner)
     {
         return QPointer<Owner>(owner);
     }

@@ -28,8 +28,7 @@ private:
     {
         return std::make_unique<ZuviLoginGate>(
             f.client.get(),
-            ZuviLoginGate::Handlers{[&seen] { ++seen.checking; },
-                                    [&seen] { ++seen.loginRequired; },
+            ZuviLoginGate::Handlers{[&seen] { ++seen.checking; }, [&seen] { ++seen.loginRequired; },
                                     [&seen](const ZuviError &e) { seen.failures << e; }});
     }
 };
@@ -37,8 +36,8 @@ private:
 void TestZuviLoginGate::storedCookieRunsAtOnceWithoutAsking()
 {
     ZuviClientTestFixture f;
-    f.defaults.get()->setValue(ZuviAPIClient::kCredentialCookieKey,
-                               QStringLiteral("SESSDATA=abc; DedeUserID=42"));
+    f.defaults.get()->setObject(QStringLiteral("SESSDATA=abc; DedeUserID=42"),
+                                QString::fromLatin1(ZuviAPIClient::kCredentialCookieKey));
     Seen seen;
     auto gate = makeGate(f, seen);
     gate->performWhenLoggedIn([&] { ++seen.actions; });
@@ -61,13 +60,12 @@ void TestZuviLoginGate::navAnswerDecides_data()
     QTest::newRow("signed in without a member id")
         << zuviJson({{"code", 0}, {"data", QJsonObject{{"isLogin", true}, {"mid", 0}}}}) << 0 << 1
         << 0;
-    QTest::newRow("logged out")
-        << zuviJson({{"code", -101},
-                     {"message", "账号未登录"},
-                     {"data", QJsonObject{{"isLogin", false}}}})
-        << 0 << 1 << 0;
-    QTest::newRow("service failure") << zuviJson({{"code", -500}, {"message", "服务繁忙"}}) << 0
-                                     << 0 << -500;
+    QTest::newRow("logged out") << zuviJson({{"code", -101},
+                                             {"message", "账号未登录"},
+                                             {"data", QJsonObject{{"isLogin", false}}}})
+                                << 0 << 1 << 0;
+    QTest::newRow("service failure")
+        << zuviJson({{"code", -500}, {"message", "服务繁忙"}}) << 0 << 0 << -500;
 }
 
 void TestZuviLoginGate::navAnswerDecides()

@@ -111,8 +111,7 @@ int main(int argc, char *argv[])
     auto gridReady = [grid] { return !grid->isLoading() && grid->videos().size() > 0; };
 
     if (parser.isSet("scenario")) {
-        const auto scenario =
-            ZuviScreenshotScenario::scenarios().value(parser.value("scenario"));
+        const auto scenario = ZuviScreenshotScenario::scenarios().value(parser.value("scenario"));
         if (!scenario)
             return fail(QStringLiteral("no scenario named %1").arg(parser.value("scenario")));
         ZuviScreenshotScenario::Context context;
