@@ -75,10 +75,16 @@ void writeValue(QByteArray *out, const QVariant &value, int depth)
     }
 }
 
-std::optional<QVariant> readValue(QXmlStreamReader &reader);
+// The cache's metadata is flat; a document nested deeper than this is not
+// ours, and reading it recursively could exhaust the stack.
+constexpr int kMaximumDepth = 64;
 
-std::optional<QVariant> readDictionary(QXmlStreamReader &reader)
+std::optional<QVariant> readValue(QXmlStreamReader &reader, int depth);
+
+std::optional<QVariant> readDictionary(QXmlStreamReader &reader, int depth)
 {
+    if (depth > kMaximumDepth)
+        return std::nullopt;
     QVariantMap dictionary;
     while (reader.readNextStartElement()) {
         if (reader.name() != QLatin1String("key"))
@@ -86,7 +92,7 @@ std::optional<QVariant> readDictionary(QXmlStreamReader &reader)
         const QString key = reader.readElementText();
         if (!reader.readNextStartElement())
             return std::nullopt;
-        const std::optional<QVariant> value = readValue(reader);
+        const std::optional<QVariant> value = readValue(reader, depth);
         if (!value)
             return std::nullopt;
         dictionary.insert(key, *value);
@@ -95,15 +101,17 @@ std::optional<QVariant> readDictionary(QXmlStreamReader &reader)
 }
 
 // Reads the element the reader stands on, up to and including its end.
-std::optional<QVariant> readValue(QXmlStreamReader &reader)
+std::optional<QVariant> readValue(QXmlStreamReader &reader, int depth)
 {
     const QStringView name = reader.name();
     if (name == QLatin1String("dict"))
-        return readDictionary(reader);
+        return readDictionary(reader, depth + 1);
     if (name == QLatin1String("array")) {
+        if (depth + 1 > kMaximumDepth)
+            return std::nullopt;
         QVariantList list;
         while (reader.readNextStartElement()) {
-            const std::optional<QVariant> item = readValue(reader);
+            const std::optional<QVariant> item = readValue(reader, depth + 1);
             if (!item)
                 return std::nullopt;
             list.append(*item);
@@ -151,7 +159,7 @@ std::optional<QVariantMap> ZuviPropertyList::dictionaryFromXmlData(const QByteAr
         return std::nullopt;
     if (!reader.readNextStartElement() || reader.name() != QLatin1String("dict"))
         return std::nullopt;
-    const std::optional<QVariant> root = readDictionary(reader);
+    const std::optional<QVariant> root = readDictionary(reader, 0);
     if (!root || reader.hasError())
         return std::nullopt;
     return root->toMap();

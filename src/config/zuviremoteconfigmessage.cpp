@@ -35,6 +35,13 @@ std::optional<qint64> ZuviRemoteConfigMessage::integerValueFromObject(const QJso
         const double number = std::trunc(value.toDouble());
         if (!std::isfinite(number))
             return std::nullopt;
+        // A number beyond the 64-bit range saturates, as a long digit
+        // string does; converting it directly would be undefined.
+        constexpr double limit = 9223372036854775808.0; // 2^63
+        if (number >= limit)
+            return std::numeric_limits<qint64>::max();
+        if (number < -limit)
+            return std::numeric_limits<qint64>::min();
         return static_cast<qint64>(number);
     }
     case QJsonValue::String:

@@ -6,6 +6,8 @@
 #include <QJsonDocument>
 #include <QtTest>
 
+#include <limits>
+
 class TestZuviRemoteConfigValues : public QObject
 {
     Q_OBJECT
@@ -97,6 +99,10 @@ void TestZuviRemoteConfigValues::messageWithDictionary_data()
     QTest::newRow("object text is empty")
         << QByteArray(R"({"version":1,"text":{"a":1}})") << true << qint64(1) << ""
         << "" << false;
+    QTest::newRow("version beyond 64 bits saturates")
+        << QByteArray(R"({"version":1e20,"text":"t"})") << true
+        << std::numeric_limits<qint64>::max() << ""
+        << "t" << true;
     QTest::newRow("version 0") << QByteArray(R"({"version":0,"text":"t"})") << false << qint64(0)
                                << ""
                                << "" << false;
@@ -198,6 +204,10 @@ void TestZuviRemoteConfigValues::propertyListRejectsOtherXml_data()
     QTest::newRow("truncated") << QByteArray("<plist><dict><key>a</key><string>b");
     QTest::newRow("value without key")
         << QByteArray("<plist><dict><string>b</string></dict></plist>");
+    // Deep enough to overflow the stack of a reader without a limit.
+    QTest::newRow("nested 20000 arrays")
+        << "<plist><dict><key>a</key>" + QByteArray("<array>").repeated(20000) +
+               QByteArray("</array>").repeated(20000) + "</dict></plist>";
 }
 
 void TestZuviRemoteConfigValues::propertyListRejectsOtherXml()
