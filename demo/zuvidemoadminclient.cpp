@@ -1,6 +1,6 @@
 #include "zuvidemoadminclient.h"
 
-#include "net/zuvihttptransport.h"
+#include "platform/zuvihttptransport.h"
 
 #include <QEventLoop>
 #include <QJsonDocument>

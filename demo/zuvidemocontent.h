@@ -148,6 +148,21 @@ public:
     static QString highlighted(const QString &title, const QString &keyword);
 
 private:
+    // Streams of the generator: each kind of thing draws from its own stream so
+    // that adding one kind never shifts the numbers of another.
+    enum Stream : quint64 {
+        OwnerStream = 1,
+        VideoStream,
+        BVIDStream,
+        DanmakuStream,
+        CommentStream,
+        FeedStream,
+        OrderStream,
+    };
+    // Content published before this moment (2026-01-01 00:00 UTC), so that the
+    // same seed gives the same dates whatever day the service runs.
+    static constexpr qint64 kEpoch = 1767225600;
+
     void makeOwners();
     void makeVideos();
     void makeOrders();

@@ -1,7 +1,7 @@
 #include "zuviremoteconfig.h"
 
-#include "net/zuvihttptransport.h"
 #include "platform/zuvidefaults.h"
+#include "platform/zuvihttptransport.h"
 #include "platform/zuvimainqueue.h"
 #include "platform/zuvinotificationcenter.h"
 #include "platform/zuvischeduler.h"

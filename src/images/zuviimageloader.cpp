@@ -1,7 +1,7 @@
 #include "zuviimageloader.h"
 
-#include "app/zuvidebuglog.h"
-#include "net/zuvihttptransport.h"
+#include "platform/zuvidebuglog.h"
+#include "platform/zuvihttptransport.h"
 #include "platform/zuvimainqueue.h"
 #include "platform/zuviworkqueue.h"
 #include "zuviimageurl.h"

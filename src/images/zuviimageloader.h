@@ -1,8 +1,8 @@
 #pragma once
 
-#include "net/zuviurlrequest.h"
 #include "platform/zuviendpoints.h"
 #include "platform/zuvierror.h"
+#include "platform/zuviurlrequest.h"
 
 #include <QAtomicInt>
 #include <QCache>

@@ -1,12 +1,12 @@
 #include "zuviuserprofile.h"
 
-#include "net/zuviapiclient.h"
+#include "zuvijsoncoercion.h"
 #include "zuvivideoitem.h"
 
 namespace {
 QString text(const QJsonObject &object, const char *key)
 {
-    return ZuviAPIClient::stringFromObject(object.value(QLatin1String(key)));
+    return ZuviJSONCoercion::stringFromObject(object.value(QLatin1String(key)));
 }
 } // namespace
 
@@ -16,17 +16,17 @@ std::optional<ZuviUserProfile> ZuviUserProfile::profileWithNavDataDictionary(con
         return std::nullopt;
     const QJsonObject nav = data.toObject();
     ZuviUserProfile profile;
-    profile.isLogin = ZuviAPIClient::boolFromObject(nav.value("isLogin"));
-    profile.mid = ZuviAPIClient::integerFromObject(nav.value("mid"));
+    profile.isLogin = ZuviJSONCoercion::boolFromObject(nav.value("isLogin"));
+    profile.mid = ZuviJSONCoercion::integerFromObject(nav.value("mid"));
     profile.userName = text(nav, "uname");
     if (profile.isLogin && profile.userName.isEmpty())
         profile.userName = QStringLiteral("已登录用户");
     profile.faceURLString = ZuviVideoItem::normalizedURLString(text(nav, "face"));
-    const qint64 level =
-        ZuviAPIClient::integerFromObject(nav.value("level_info").toObject().value("current_level"));
+    const qint64 level = ZuviJSONCoercion::integerFromObject(
+        nav.value("level_info").toObject().value("current_level"));
     if (level > 0)
         profile.levelText = QStringLiteral("LV%1").arg(level);
-    const bool vip = ZuviAPIClient::integerFromObject(nav.value("vipStatus")) == 1;
+    const bool vip = ZuviJSONCoercion::integerFromObject(nav.value("vipStatus")) == 1;
     profile.vipText = vip ? QStringLiteral("大会员") : QStringLiteral("普通会员");
     const QString money = text(nav, "money");
     if (!money.isEmpty())
@@ -54,7 +54,7 @@ QString ZuviUserProfile::summaryText() const
 
 QString ZuviUserProfile::countTextFromObject(const QJsonValue &value)
 {
-    const qint64 count = ZuviAPIClient::integerFromObject(value);
+    const qint64 count = ZuviJSONCoercion::integerFromObject(value);
     if (count < 10000)
         return QString::number(count);
     return QString::asprintf("%.1f", double(count) / 10000.0) + QStringLiteral("万");

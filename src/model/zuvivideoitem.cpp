@@ -1,6 +1,6 @@
 #include "zuvivideoitem.h"
 
-#include "net/zuviapiclient.h"
+#include "zuvijsoncoercion.h"
 #include "zuvinumbertext.h"
 
 #include <QRegularExpression>
@@ -179,7 +179,7 @@ QString ZuviVideoItem::stringFromObject(const QJsonValue &value)
 {
     // One rule for the whole client: the records read fields exactly as the
     // service client reads its envelopes.
-    return ZuviAPIClient::stringFromObject(value);
+    return ZuviJSONCoercion::stringFromObject(value);
 }
 
 QString ZuviVideoItem::cleanTitleFromObject(const QJsonValue &value)

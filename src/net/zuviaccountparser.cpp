@@ -1,5 +1,6 @@
 #include "zuviaccountparser.h"
 
+#include "model/zuvijsoncoercion.h"
 #include "zuviapiclient.h"
 
 QString ZuviAccountParser::parseActionMessageFromData(const QByteArray &data, ZuviError *error)
@@ -7,10 +8,10 @@ QString ZuviAccountParser::parseActionMessageFromData(const QByteArray &data, Zu
     const auto root = ZuviAPIClient::jsonRootDictionaryFromData(data, error);
     if (!root)
         return QString();
-    QString message = ZuviAPIClient::stringFromObject(root->value("message"));
+    QString message = ZuviJSONCoercion::stringFromObject(root->value("message"));
     if (message.isEmpty())
-        message = ZuviAPIClient::stringFromObject(root->value("msg"));
-    const qint64 code = ZuviAPIClient::integerFromObject(root->value("code"));
+        message = ZuviJSONCoercion::stringFromObject(root->value("msg"));
+    const qint64 code = ZuviJSONCoercion::integerFromObject(root->value("code"));
     if (code == 0)
         return message.isEmpty() ? QStringLiteral("操作成功") : message;
     *error = ZuviAPIClient::errorWithCode(
@@ -26,8 +27,8 @@ ZuviAccountParser::parseLoginQRCodeFromData(const QByteArray &data, ZuviError *e
     if (!root)
         return std::nullopt;
     const QJsonObject dataObject = root->value("data").toObject();
-    LoginQRCode result{ZuviAPIClient::stringFromObject(dataObject.value("url")),
-                       ZuviAPIClient::stringFromObject(dataObject.value("qrcode_key"))};
+    LoginQRCode result{ZuviJSONCoercion::stringFromObject(dataObject.value("url")),
+                       ZuviJSONCoercion::stringFromObject(dataObject.value("qrcode_key"))};
     if (result.loginURL.isEmpty() || result.qrcodeKey.isEmpty()) {
         *error = ZuviAPIClient::errorWithCode(
             711, QStringLiteral("二维码生成接口缺少 url 或 qrcode_key"));
@@ -49,9 +50,9 @@ ZuviAccountParser::parseLoginQRCodePollFromData(const QByteArray &data, ZuviErro
     }
     const QJsonObject dataObject = root->value("data").toObject();
     LoginPoll poll;
-    poll.code = int(ZuviAPIClient::integerFromObject(dataObject.value("code")));
+    poll.code = int(ZuviJSONCoercion::integerFromObject(dataObject.value("code")));
     poll.message = loginPollMessageForCode(
-        poll.code, ZuviAPIClient::stringFromObject(dataObject.value("message")));
+        poll.code, ZuviJSONCoercion::stringFromObject(dataObject.value("message")));
     return poll;
 }
 

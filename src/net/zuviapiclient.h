@@ -9,7 +9,7 @@
 #include "platform/zuviendpoints.h"
 #include "platform/zuvierror.h"
 #include "platform/zuvimainqueue.h"
-#include "zuviurlrequest.h"
+#include "platform/zuviurlrequest.h"
 
 #include <QJsonObject>
 #include <QJsonValue>
@@ -135,12 +135,10 @@ public:
     static ZuviError errorWithCode(int code, const QString &message);
     static int statusCodeFromResponse(const ZuviHTTPResponse &response);
     static QString shortErrorText(const ZuviError &error);
+    // Field reading, as every record reads it (see ZuviJSONCoercion).
     static QString stringFromObject(const QJsonValue &value);
     static QString compactCountStringFromObject(const QJsonValue &value);
-    // A value read as a number's longLongValue: "12abc" is 12, "abc", null and objects are 0.
     static qint64 integerFromObject(const QJsonValue &value);
-    // A value read as a boolValue: true, non-zero numbers, and texts that
-    // start with Y, T or a digit 1–9 after blanks, a sign and zeros.
     static bool boolFromObject(const QJsonValue &value);
     // The service envelope: a non-zero "code" is an error with that code and
     // the root's "message", or the fallback when the message is empty.

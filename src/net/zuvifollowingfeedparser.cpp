@@ -1,5 +1,6 @@
 #include "zuvifollowingfeedparser.h"
 
+#include "model/zuvijsoncoercion.h"
 #include "model/zuvivideoitem.h"
 #include "zuviapiclient.h"
 
@@ -10,7 +11,7 @@
 namespace {
 QString text(const QJsonObject &object, const char *key)
 {
-    return ZuviAPIClient::stringFromObject(object.value(QLatin1String(key)));
+    return ZuviJSONCoercion::stringFromObject(object.value(QLatin1String(key)));
 }
 
 QJsonObject object(const QJsonObject &parent, const char *key)
@@ -140,7 +141,7 @@ ZuviFollowingFeedParser::parseFollowingFeedFromData(const QByteArray &data, Zuvi
         if (item.isObject())
             page.rows.append(rowFromItem(item.toObject()));
     }
-    page.hasMore = ZuviAPIClient::boolFromObject(dataObject.value("has_more"));
+    page.hasMore = ZuviJSONCoercion::boolFromObject(dataObject.value("has_more"));
     page.nextOffset = text(dataObject, "offset");
     return page;
 }
@@ -224,7 +225,7 @@ ZuviFollowingFeedParser::followingLiveInfoFromItem(const QJsonObject &item)
     insertIfNotEmpty(&info, "uid", text(play, "uid"));
     insertIfNotEmpty(&info, "coverURLString", normalizedImageURLString(text(play, "cover")));
     insertIfNotEmpty(&info, "online",
-                     ZuviAPIClient::compactCountStringFromObject(play.value("online")));
+                     ZuviJSONCoercion::compactCountStringFromObject(play.value("online")));
     const QString parentArea = text(play, "parent_area_name");
     const QString area = text(play, "area_name");
     insertIfNotEmpty(&info, "area",
@@ -259,8 +260,8 @@ ZuviFollowingFeedParser::followingArticleInfoFromItem(const QJsonObject &item)
     insertIfNotEmpty(&info, "label", text(article, "label"));
     insertIfNotEmpty(&info, "URLString", normalizedImageURLString(text(article, "jump_url")));
     insertIfNotEmpty(&info, "coverURLString",
-                     normalizedImageURLString(
-                         ZuviAPIClient::stringFromObject(firstElement(article.value("covers")))));
+                     normalizedImageURLString(ZuviJSONCoercion::stringFromObject(
+                         firstElement(article.value("covers")))));
     insertIfNotEmpty(&info, "commentType", text(basic, "comment_type"));
     insertIfNotEmpty(&info, "commentID", text(basic, "comment_id_str"));
     return info;

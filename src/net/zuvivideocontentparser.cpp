@@ -1,6 +1,7 @@
 #include "zuvivideocontentparser.h"
 
 #include "model/zuvidanmakuxmlparser.h"
+#include "model/zuvijsoncoercion.h"
 #include "zuviapiclient.h"
 
 #include <QJsonArray>
@@ -15,10 +16,10 @@ QString firstDurlAddress(const QJsonObject &data)
     if (!durl.isArray() || durl.toArray().isEmpty() || !durl.toArray().first().isObject())
         return QString();
     const QJsonObject first = durl.toArray().first().toObject();
-    QString address = ZuviAPIClient::stringFromObject(first.value("url"));
+    QString address = ZuviJSONCoercion::stringFromObject(first.value("url"));
     const QJsonValue backups = first.value("backup_url");
     if (address.isEmpty() && backups.isArray() && !backups.toArray().isEmpty())
-        address = ZuviAPIClient::stringFromObject(backups.toArray().first());
+        address = ZuviJSONCoercion::stringFromObject(backups.toArray().first());
     return address;
 }
 } // namespace
@@ -45,9 +46,9 @@ QString ZuviVideoContentParser::parsePlayURLFromData(const QByteArray &data, int
     const auto root = ZuviAPIClient::jsonRootDictionaryFromData(data, error);
     if (!root)
         return QString();
-    const qint64 code = ZuviAPIClient::integerFromObject(root->value("code"));
+    const qint64 code = ZuviJSONCoercion::integerFromObject(root->value("code"));
     if (code != 0) {
-        QString message = ZuviAPIClient::stringFromObject(root->value("message"));
+        QString message = ZuviJSONCoercion::stringFromObject(root->value("message"));
         if (message.isEmpty())
             message = QStringLiteral("播放地址接口返回错误");
         *error = ZuviAPIClient::errorWithCode(
@@ -60,7 +61,7 @@ QString ZuviVideoContentParser::parsePlayURLFromData(const QByteArray &data, int
         return QString();
     }
     const QJsonObject dataObject = root->value("data").toObject();
-    *actualQuality = int(ZuviAPIClient::integerFromObject(dataObject.value("quality")));
+    *actualQuality = int(ZuviJSONCoercion::integerFromObject(dataObject.value("quality")));
     const QString address = firstDurlAddress(dataObject);
     if (address.isEmpty()) {
         *error = ZuviAPIClient::errorWithCode(
@@ -75,7 +76,7 @@ ZuviVideoContentParser::playURLUnavailableMessageWithRequestedQuality(int reques
                                                                       const QJsonObject &data)
 {
     QStringList parts{QStringLiteral("请求qn=%1").arg(requestedQuality)};
-    const qint64 quality = ZuviAPIClient::integerFromObject(data.value("quality"));
+    const qint64 quality = ZuviJSONCoercion::integerFromObject(data.value("quality"));
     if (quality >= 1)
         parts.append(QStringLiteral("接口quality=%1").arg(quality));
     const QString accept = joinedIntegerTextFromArray(data.value("accept_quality"));
@@ -97,7 +98,7 @@ QString ZuviVideoContentParser::joinedIntegerTextFromArray(const QJsonValue &arr
     for (const QJsonValue &element : array.toArray()) {
         // Numbers and numeric strings answer integerValue; other values do not.
         if (element.isDouble() || element.isString() || element.isBool())
-            texts.append(QString::number(ZuviAPIClient::integerFromObject(element)));
+            texts.append(QString::number(ZuviJSONCoercion::integerFromObject(element)));
     }
     return texts.join(',');
 }

@@ -1,5 +1,6 @@
 #include "zuvivideolistparser.h"
 
+#include "model/zuvijsoncoercion.h"
 #include "zuviapiclient.h"
 
 #include <QJsonDocument>
@@ -143,9 +144,9 @@ qint64 ZuviVideoListParser::parseFirstFavoriteMediaIDFromData(const QByteArray &
         if (!folder.isObject())
             continue;
         const QJsonObject dictionary = folder.toObject();
-        qint64 mediaID = ZuviAPIClient::integerFromObject(dictionary.value("media_id"));
+        qint64 mediaID = ZuviJSONCoercion::integerFromObject(dictionary.value("media_id"));
         if (mediaID == 0)
-            mediaID = ZuviAPIClient::integerFromObject(dictionary.value("id"));
+            mediaID = ZuviJSONCoercion::integerFromObject(dictionary.value("id"));
         if (mediaID > 0)
             return mediaID;
     }

@@ -1,6 +1,6 @@
 #include "config/zuvipropertylist.h"
 #include "config/zuviremoteconfig.h"
-#include "net/zuvihttptransport.h"
+#include "platform/zuvihttptransport.h"
 #include "platform/zuvinotificationcenter.h"
 #include "platform/zuvivirtualscheduler.h"
 #include "zuvitesthttpserver.h"

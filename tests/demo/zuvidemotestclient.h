@@ -1,7 +1,7 @@
 #pragma once
 
 #include "net/zuviapiclient.h"
-#include "net/zuvihttptransport.h"
+#include "platform/zuvihttptransport.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>

@@ -1,4 +1,4 @@
-#include "net/zuvihttptransport.h"
+#include "platform/zuvihttptransport.h"
 #include "zuvidemocontent.h"
 
 #include <QDir>

@@ -16,12 +16,12 @@
 //        zuvi-player-e2e --bare URL --measure SECONDS [--trimmed]
 
 #include "app/zuviappdelegate.h"
-#include "app/zuvidebuglog.h"
 #include "app/zuvinavigationcontroller.h"
 #include "app/zuvitabbarcontroller.h"
 #include "browse/zuvivideogridviewcontroller.h"
 #include "browse/zuvivideoscreenopener.h"
 #include "danmaku/zuvidanmakuoverlayview.h"
+#include "platform/zuvidebuglog.h"
 #include "platform/zuvidefaults.h"
 #include "platform/zuviendpoints.h"
 #include "platform/zuvinotificationcenter.h"

@@ -1,6 +1,6 @@
-#include "app/zuvidebuglog.h"
 #include "images/zuviimageloader.h"
-#include "net/zuvihttptransport.h"
+#include "platform/zuvidebuglog.h"
+#include "platform/zuvihttptransport.h"
 #include "platform/zuvinotificationcenter.h"
 #include "zuvitesthttpserver.h"
 #include "zuvitestsupport.h"

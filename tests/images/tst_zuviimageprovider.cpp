@@ -1,6 +1,6 @@
-#include "app/zuvidebuglog.h"
 #include "images/zuviimageloader.h"
 #include "images/zuviimageprovider.h"
+#include "platform/zuvidebuglog.h"
 #include "platform/zuvinotificationcenter.h"
 #include "zuvitesthttpserver.h"
 #include "zuvitestsupport.h"

@@ -1,8 +1,10 @@
 #include "model/zuvicommentitem.h"
 #include "model/zuvidanmakuitem.h"
+#include "model/zuvijsoncoercion.h"
 #include "model/zuvinumbertext.h"
 #include "model/zuvivideodetail.h"
 #include "model/zuvivideoitem.h"
+#include "net/zuviapiclient.h"
 
 #include <QDateTime>
 #include <QJsonArray>
@@ -19,8 +21,8 @@ class TestZuviRecords : public QObject
 private slots:
     void numberText_data();
     void numberText();
-    void stringFromObject_data();
-    void stringFromObject();
+    void jsonCoercion_data();
+    void jsonCoercion();
     void countText_data();
     void countText();
     void durationText_data();
@@ -123,25 +125,73 @@ void TestZuviRecords::numberText()
     QCOMPARE(ZuviNumberText::doubleValue(QByteArrayView(bytes)), decimal);
 }
 
-void TestZuviRecords::stringFromObject_data()
+void TestZuviRecords::jsonCoercion_data()
 {
+    // Every reading of one value: as text, as a display count, as an integer
+    // and as a flag.
     QTest::addColumn<QJsonValue>("value");
-    QTest::addColumn<QString>("expected");
-    QTest::newRow("string") << json("\"abc\"") << "abc";
-    QTest::newRow("integer") << json("170001") << "170001";
-    QTest::newRow("large id") << json("1234567890123") << "1234567890123";
-    QTest::newRow("decimal") << json("1.5") << "1.5";
-    QTest::newRow("null") << json("null") << "";
-    QTest::newRow("missing") << QJsonValue(QJsonValue::Undefined) << "";
-    QTest::newRow("array") << json("[1]") << "";
-    QTest::newRow("object") << json("{\"a\":1}") << "";
+    QTest::addColumn<QString>("string");
+    QTest::addColumn<QString>("compact");
+    QTest::addColumn<qint64>("integer");
+    QTest::addColumn<bool>("flag");
+    QTest::newRow("string") << json("\"abc\"") << "abc"
+                            << "" << qint64(0) << false;
+    QTest::newRow("text 9999") << json("\"9999\"") << "9999"
+                               << "9999" << qint64(9999) << true;
+    QTest::newRow("leading number") << json("\"88abc\"") << "88abc"
+                                    << "88" << qint64(88) << true;
+    QTest::newRow("zero") << json("0") << "0"
+                          << "" << qint64(0) << false;
+    QTest::newRow("integer") << json("170001") << "170001"
+                             << "17.0万" << qint64(170001) << true;
+    QTest::newRow("12345") << json("12345") << "12345"
+                           << "1.2万" << qint64(12345) << true;
+    QTest::newRow("10000") << json("10000") << "10000"
+                           << "1.0万" << qint64(10000) << true;
+    QTest::newRow("hundred million") << json("120000000") << "120000000"
+                                     << "12000.0万" << qint64(120000000) << true;
+    QTest::newRow("large id") << json("1234567890123") << "1234567890123"
+                              << "123456789.0万" << qint64(1234567890123) << true;
+    QTest::newRow("decimal") << json("1.5") << "1.5"
+                             << "1" << qint64(1) << true;
+    QTest::newRow("fraction") << json("12.75") << "12.75"
+                              << "12" << qint64(12) << true;
+    QTest::newRow("negative") << json("-5") << "-5"
+                              << "" << qint64(-5) << true;
+    QTest::newRow("true") << json("true") << "1"
+                          << "1" << qint64(1) << true;
+    QTest::newRow("false") << json("false") << "0"
+                           << "" << qint64(0) << false;
+    QTest::newRow("yes text") << json("\" yes\"") << " yes"
+                              << "" << qint64(0) << true;
+    QTest::newRow("signed zeros then digit") << json("\"-007\"") << "-007"
+                                             << "" << qint64(-7) << true;
+    QTest::newRow("zeros only") << json("\"000\"") << "000"
+                                << "" << qint64(0) << false;
+    QTest::newRow("null") << json("null") << ""
+                          << "" << qint64(0) << false;
+    QTest::newRow("missing") << QJsonValue(QJsonValue::Undefined) << ""
+                             << "" << qint64(0) << false;
+    QTest::newRow("array") << json("[1]") << ""
+                           << "" << qint64(0) << false;
+    QTest::newRow("object") << json("{\"a\":1}") << ""
+                            << "" << qint64(0) << false;
 }
 
-void TestZuviRecords::stringFromObject()
+void TestZuviRecords::jsonCoercion()
 {
     QFETCH(QJsonValue, value);
-    QFETCH(QString, expected);
-    QCOMPARE(ZuviVideoItem::stringFromObject(value), expected);
+    QFETCH(QString, string);
+    QFETCH(QString, compact);
+    QFETCH(qint64, integer);
+    QFETCH(bool, flag);
+    QCOMPARE(ZuviJSONCoercion::stringFromObject(value), string);
+    QCOMPARE(ZuviJSONCoercion::compactCountStringFromObject(value), compact);
+    QCOMPARE(ZuviJSONCoercion::integerFromObject(value), integer);
+    QCOMPARE(ZuviJSONCoercion::boolFromObject(value), flag);
+    // The records and the service client read fields by the same rules.
+    QCOMPARE(ZuviVideoItem::stringFromObject(value), string);
+    QCOMPARE(ZuviAPIClient::integerFromObject(value), integer);
 }
 
 void TestZuviRecords::countText_data()

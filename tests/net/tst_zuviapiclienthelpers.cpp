@@ -1,14 +1,12 @@
-#include "app/zuvidebuglog.h"
-#include "net/zuviapiclient.h"
-#include "platform/zuvinotificationcenter.h"
-#include "zuvitestsupport.h"
+#include "zuviclienttestfixture.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QTest>
 
 // The client's text helpers: form bodies, escaping, cookies, the stored
-// credential, JSON root checks and display texts.
+// credential, JSON root checks and display texts (field reading is the
+// records' suite).
 class TestZuviAPIClientHelpers : public QObject
 {
     Q_OBJECT
@@ -29,31 +27,19 @@ private slots:
     void jsonRootChecks();
     void shortErrorText_data();
     void shortErrorText();
-    void stringAndCompactCount_data();
-    void stringAndCompactCount();
 
 private:
-    std::unique_ptr<ZuviScratchDefaults> m_store;
-    std::unique_ptr<ZuviNotificationCenter> m_center;
-    std::unique_ptr<ZuviDebugLog> m_log;
-    std::unique_ptr<ZuviAPIClient> m_client;
+    std::unique_ptr<ZuviClientTestFixture> m_f;
 };
 
 void TestZuviAPIClientHelpers::init()
 {
-    m_store = std::make_unique<ZuviScratchDefaults>();
-    m_center = std::make_unique<ZuviNotificationCenter>();
-    m_log = std::make_unique<ZuviDebugLog>(m_store->get(), m_center.get());
-    m_client = std::make_unique<ZuviAPIClient>(m_store->get(), m_log.get(), m_center.get(),
-                                               ZuviEndpoints::defaults());
+    m_f = std::make_unique<ZuviClientTestFixture>();
 }
 
 void TestZuviAPIClientHelpers::cleanup()
 {
-    m_client.reset();
-    m_log.reset();
-    m_center.reset();
-    m_store.reset();
+    m_f.reset();
 }
 
 void TestZuviAPIClientHelpers::formBodyIsSortedAndEscaped()
@@ -143,28 +129,28 @@ void TestZuviAPIClientHelpers::cookieDictionaryWritesLoginAndDeviceCookiesFirst(
 
 void TestZuviAPIClientHelpers::credentialStoreTrimsAndRemoves()
 {
-    QCOMPARE(m_client->credentialCookie(), QString());
-    m_client->updateCredentialCookie("  \n SESSDATA=s; zuvi_jct=t \n");
-    QCOMPARE(m_client->credentialCookie(), QStringLiteral("SESSDATA=s; zuvi_jct=t"));
-    QCOMPARE(m_store->get()->stringForKey("ZuviCredentialCookie"),
+    QCOMPARE(m_f->client->credentialCookie(), QString());
+    m_f->client->updateCredentialCookie("  \n SESSDATA=s; zuvi_jct=t \n");
+    QCOMPARE(m_f->client->credentialCookie(), QStringLiteral("SESSDATA=s; zuvi_jct=t"));
+    QCOMPARE(m_f->defaults.get()->stringForKey("ZuviCredentialCookie"),
              QStringLiteral("SESSDATA=s; zuvi_jct=t"));
-    m_client->updateCredentialCookie("   \n ");
-    QCOMPARE(m_client->credentialCookie(), QString());
-    QVERIFY(!m_store->get()->containsKey("ZuviCredentialCookie"));
-    m_client->updateCredentialCookie("a=1");
-    m_client->clearCredentialCookie();
-    QVERIFY(!m_store->get()->containsKey("ZuviCredentialCookie"));
+    m_f->client->updateCredentialCookie("   \n ");
+    QCOMPARE(m_f->client->credentialCookie(), QString());
+    QVERIFY(!m_f->defaults.get()->containsKey("ZuviCredentialCookie"));
+    m_f->client->updateCredentialCookie("a=1");
+    m_f->client->clearCredentialCookie();
+    QVERIFY(!m_f->defaults.get()->containsKey("ZuviCredentialCookie"));
 }
 
 void TestZuviAPIClientHelpers::credentialReadsTokenAndMemberId()
 {
-    QCOMPARE(m_client->currentMIDFromCredentialCookie(), 0);
-    QCOMPARE(m_client->csrfTokenFromCredentialCookie(), QString());
-    m_client->updateCredentialCookie("DedeUserID=9007199254740993; zuvi_jct=abc123; SESSDATA=s");
-    QCOMPARE(m_client->currentMIDFromCredentialCookie(), Q_INT64_C(9007199254740993));
-    QCOMPARE(m_client->csrfTokenFromCredentialCookie(), QStringLiteral("abc123"));
-    m_client->updateCredentialCookie("DedeUserID=12ab");
-    QCOMPARE(m_client->currentMIDFromCredentialCookie(), 0);
+    QCOMPARE(m_f->client->currentMIDFromCredentialCookie(), 0);
+    QCOMPARE(m_f->client->csrfTokenFromCredentialCookie(), QString());
+    m_f->client->updateCredentialCookie("DedeUserID=9007199254740993; zuvi_jct=abc123; SESSDATA=s");
+    QCOMPARE(m_f->client->currentMIDFromCredentialCookie(), Q_INT64_C(9007199254740993));
+    QCOMPARE(m_f->client->csrfTokenFromCredentialCookie(), QStringLiteral("abc123"));
+    m_f->client->updateCredentialCookie("DedeUserID=12ab");
+    QCOMPARE(m_f->client->currentMIDFromCredentialCookie(), 0);
 }
 
 void TestZuviAPIClientHelpers::credentialCookieFromSetCookieHeaders_data()
@@ -256,46 +242,6 @@ void TestZuviAPIClientHelpers::shortErrorText()
     QFETCH(QString, message);
     QFETCH(QString, expected);
     QCOMPARE(ZuviAPIClient::shortErrorText(ZuviError("d", 1, message)), expected);
-}
-
-void TestZuviAPIClientHelpers::stringAndCompactCount_data()
-{
-    QTest::addColumn<QJsonValue>("value");
-    QTest::addColumn<QString>("string");
-    QTest::addColumn<QString>("compact");
-    QTest::newRow("text 9999") << QJsonValue("9999") << "9999"
-                               << "9999";
-    QTest::newRow("zero") << QJsonValue(0) << "0"
-                          << "";
-    QTest::newRow("text abc") << QJsonValue("abc") << "abc"
-                              << "";
-    QTest::newRow("12345") << QJsonValue(12345) << "12345"
-                           << "1.2万";
-    QTest::newRow("10000") << QJsonValue(10000) << "10000"
-                           << "1.0万";
-    QTest::newRow("hundred million") << QJsonValue(120000000) << "120000000"
-                                     << "12000.0万";
-    QTest::newRow("fraction") << QJsonValue(12.75) << "12.75"
-                              << "12";
-    QTest::newRow("negative") << QJsonValue(-5) << "-5"
-                              << "";
-    QTest::newRow("leading number") << QJsonValue("88abc") << "88abc"
-                                    << "88";
-    QTest::newRow("bool") << QJsonValue(true) << "1"
-                          << "1";
-    QTest::newRow("null") << QJsonValue() << ""
-                          << "";
-    QTest::newRow("object") << QJsonValue(QJsonObject{{"a", 1}}) << ""
-                            << "";
-}
-
-void TestZuviAPIClientHelpers::stringAndCompactCount()
-{
-    QFETCH(QJsonValue, value);
-    QFETCH(QString, string);
-    QFETCH(QString, compact);
-    QCOMPARE(ZuviAPIClient::stringFromObject(value), string);
-    QCOMPARE(ZuviAPIClient::compactCountStringFromObject(value), compact);
 }
 
 QTEST_GUILESS_MAIN(TestZuviAPIClientHelpers)

@@ -1,9 +1,5 @@
-#include "app/zuvidebuglog.h"
-#include "net/zuviapiclient.h"
-#include "net/zuvihttptransport.h"
-#include "platform/zuvinotificationcenter.h"
-#include "zuvitesthttpserver.h"
-#include "zuvitestsupport.h"
+#include "platform/zuvihttptransport.h"
+#include "zuviclienttestfixture.h"
 
 #include <QNetworkReply>
 #include <QSignalSpy>
@@ -39,38 +35,24 @@ private:
     // root on the network queue, finish through the family.
     void fetchRoot(const ZuviURLRequest &request, Outcome *outcome);
 
-    std::unique_ptr<ZuviTestHttpServer> m_server;
-    std::unique_ptr<ZuviScratchDefaults> m_store;
-    std::unique_ptr<ZuviNotificationCenter> m_center;
-    std::unique_ptr<ZuviDebugLog> m_log;
-    std::unique_ptr<ZuviAPIClient> m_client;
+    std::unique_ptr<ZuviClientTestFixture> m_f;
 };
 
 void TestZuviAPIClientWire::init()
 {
-    m_server = std::make_unique<ZuviTestHttpServer>();
-    QVERIFY(m_server->start());
-    m_store = std::make_unique<ZuviScratchDefaults>();
-    m_center = std::make_unique<ZuviNotificationCenter>();
-    m_log = std::make_unique<ZuviDebugLog>(m_store->get(), m_center.get());
-    m_client = std::make_unique<ZuviAPIClient>(m_store->get(), m_log.get(), m_center.get(),
-                                               ZuviEndpoints::allOn(m_server->baseUrl()));
+    m_f = std::make_unique<ZuviClientTestFixture>();
 }
 
 void TestZuviAPIClientWire::cleanup()
 {
-    m_client.reset();
-    m_log.reset();
-    m_center.reset();
-    m_store.reset();
-    m_server.reset();
+    m_f.reset();
 }
 
 void TestZuviAPIClientWire::fetchRoot(const ZuviURLRequest &request, Outcome *outcome)
 {
-    ZuviAPIClient *client = m_client.get();
-    m_client->send(request, [client, outcome](const ZuviHTTPResponse &response,
-                                              const ZuviError &connectionError) {
+    ZuviAPIClient *client = m_f->client.get();
+    m_f->client->send(request, [client, outcome](const ZuviHTTPResponse &response,
+                                                 const ZuviError &connectionError) {
         ZuviError error = connectionError;
         if (error.isNull())
             ZuviAPIClient::jsonRootDictionaryFromData(response.body, &error);
@@ -85,58 +67,59 @@ void TestZuviAPIClientWire::fetchRoot(const ZuviURLRequest &request, Outcome *ou
 
 void TestZuviAPIClientWire::apiRequestHeaders()
 {
-    m_server->setAnswer("GET", "/x/web-interface/popular", ZuviScriptedAnswer::json("{}"));
-    m_client->updateCredentialCookie("SESSDATA=s; zuvi_jct=t");
+    m_f->server.setAnswer("GET", "/x/web-interface/popular", ZuviScriptedAnswer::json("{}"));
+    m_f->client->updateCredentialCookie("SESSDATA=s; zuvi_jct=t");
     Outcome outcome;
-    fetchRoot(m_client->requestWithURLString(
-                  m_server->urlString("/x/web-interface/popular?pn=1&ps=20"), m_client->siteRoot()),
-              &outcome);
+    fetchRoot(
+        m_f->client->requestWithURLString(
+            m_f->server.urlString("/x/web-interface/popular?pn=1&ps=20"), m_f->client->siteRoot()),
+        &outcome);
     QTRY_COMPARE(outcome.calls, 1);
-    const ZuviRecordedRequest request = m_server->requests().value(0);
+    const ZuviRecordedRequest request = m_f->server.requests().value(0);
     QCOMPARE(request.method, QByteArray("GET"));
     QCOMPARE(request.query, QStringLiteral("pn=1&ps=20"));
     QCOMPARE(request.header("User-Agent"), QByteArray(ZuviAPIClient::kAPIUserAgent));
-    QCOMPARE(request.header("Referer"), m_server->urlString("/").toUtf8());
+    QCOMPARE(request.header("Referer"), QByteArray("http://web.test/"));
     QCOMPARE(request.header("Accept"), QByteArray("application/json,text/plain,*/*"));
     QCOMPARE(request.header("Accept-Language"), QByteArray("zh-CN,zh;q=0.9,en;q=0.8"));
     QCOMPARE(request.header("Cookie"), QByteArray("SESSDATA=s; zuvi_jct=t"));
     QVERIFY(!request.hasHeader("Origin"));
 
     // Signed out, the API kind sends no Cookie header at all.
-    m_client->clearCredentialCookie();
+    m_f->client->clearCredentialCookie();
     Outcome second;
-    fetchRoot(m_client->requestWithURLString(m_server->urlString("/x/web-interface/popular"),
-                                             m_client->siteRoot()),
+    fetchRoot(m_f->client->requestWithURLString(m_f->server.urlString("/x/web-interface/popular"),
+                                                m_f->client->siteRoot()),
               &second);
     QTRY_COMPARE(second.calls, 1);
-    QVERIFY(!m_server->requests().value(1).hasHeader("Cookie"));
+    QVERIFY(!m_f->server.requests().value(1).hasHeader("Cookie"));
 }
 
 void TestZuviAPIClientWire::browserAndPostHeaders()
 {
-    m_server->setAnswer("*", "/x/web-interface/archive/like", ZuviScriptedAnswer::json("{}"));
+    m_f->server.setAnswer("*", "/x/web-interface/archive/like", ZuviScriptedAnswer::json("{}"));
     // The stored credential is not what browser requests send: only the cookie handed in.
-    m_client->updateCredentialCookie("SESSDATA=stored");
-    const QString url = m_server->urlString("/x/web-interface/archive/like");
-    const QString referer = m_client->videoRefererForBVID("BV1ab 411");
-    QCOMPARE(referer, m_server->urlString("/video/BV1ab%20411/"));
-    QCOMPARE(m_client->videoRefererForBVID(""), m_client->siteRoot());
+    m_f->client->updateCredentialCookie("SESSDATA=stored");
+    const QString url = m_f->server.urlString("/x/web-interface/archive/like");
+    const QString referer = m_f->client->videoRefererForBVID("BV1ab 411");
+    QCOMPARE(referer, QStringLiteral("http://web.test/video/BV1ab%20411/"));
+    QCOMPARE(m_f->client->videoRefererForBVID(""), m_f->client->siteRoot());
 
     Outcome get;
-    fetchRoot(m_client->browserRequestWithURLString(url, referer, QString()), &get);
+    fetchRoot(m_f->client->browserRequestWithURLString(url, referer, QString()), &get);
     Outcome post;
-    fetchRoot(m_client->POSTRequestWithURLString(url, referer,
-                                                 {{"like", 1}, {"csrf", "t"}, {"aid", "170001"}},
-                                                 "SESSDATA=s; buvid3=b"),
+    fetchRoot(m_f->client->POSTRequestWithURLString(url, referer,
+                                                    {{"like", 1}, {"csrf", "t"}, {"aid", "170001"}},
+                                                    "SESSDATA=s; buvid3=b"),
               &post);
     QTRY_COMPARE(get.calls + post.calls, 2);
 
-    const QList<ZuviRecordedRequest> requests = m_server->requests();
+    const QList<ZuviRecordedRequest> requests = m_f->server.requests();
     const ZuviRecordedRequest browser = requests[0].method == "GET" ? requests[0] : requests[1];
     const ZuviRecordedRequest form = requests[0].method == "POST" ? requests[0] : requests[1];
     QCOMPARE(browser.header("User-Agent"), QByteArray(ZuviAPIClient::kBrowserUserAgent));
     QCOMPARE(browser.header("Accept"), QByteArray("*/*"));
-    QCOMPARE(browser.header("Origin"), m_server->baseUrl().toString().toUtf8());
+    QCOMPARE(browser.header("Origin"), QByteArray("http://web.test"));
     QCOMPARE(browser.header("Referer"), referer.toUtf8());
     QVERIFY(!browser.hasHeader("Cookie"));
 
@@ -150,14 +133,14 @@ void TestZuviAPIClientWire::browserAndPostHeaders()
 
 void TestZuviAPIClientWire::completionRunsOnceOnTheMainThread()
 {
-    m_server->setAnswer("GET", "/slow", [] {
+    m_f->server.setAnswer("GET", "/slow", [] {
         ZuviScriptedAnswer answer = ZuviScriptedAnswer::json("{\"code\":0}");
         answer.delayMs = 30;
         return answer;
     }());
     QList<Outcome> outcomes(6);
     for (Outcome &outcome : outcomes)
-        fetchRoot(m_client->requestWithURLString(m_server->urlString("/slow"), "r"), &outcome);
+        fetchRoot(m_f->client->requestWithURLString(m_f->server.urlString("/slow"), "r"), &outcome);
     QTRY_VERIFY(std::all_of(outcomes.begin(), outcomes.end(),
                             [](const Outcome &o) { return o.calls > 0; }));
     // Give any duplicate delivery the chance to show itself.
@@ -187,9 +170,9 @@ void TestZuviAPIClientWire::badAnswersEndInClearErrors()
     ZuviScriptedAnswer answer = ZuviScriptedAnswer::text(QByteArray(), "text/html", 500);
     answer.dropConnection = kind == 1;
     answer.neverAnswer = kind == 2;
-    m_server->setAnswer("GET", "/bad", answer);
-    m_client->setRequestTimeoutMs(300);
-    QString url = m_server->urlString("/bad");
+    m_f->server.setAnswer("GET", "/bad", answer);
+    m_f->client->setRequestTimeoutMs(300);
+    QString url = m_f->server.urlString("/bad");
     if (kind == 3) {
         // A port that was just free: nothing listens there.
         ZuviTestHttpServer closed;
@@ -197,7 +180,7 @@ void TestZuviAPIClientWire::badAnswersEndInClearErrors()
         url = closed.urlString("/bad");
     }
     Outcome outcome;
-    fetchRoot(m_client->requestWithURLString(url, "r"), &outcome);
+    fetchRoot(m_f->client->requestWithURLString(url, "r"), &outcome);
     QTRY_COMPARE_WITH_TIMEOUT(outcome.calls, 1, 10000);
     QCOMPARE(outcome.error.domain, QString::fromLatin1(ZuviHTTPTransport::kErrorDomain));
     if (code >= 0)
@@ -208,7 +191,7 @@ void TestZuviAPIClientWire::badAnswersEndInClearErrors()
 
 void TestZuviAPIClientWire::errorLogFollowsDeveloperMode()
 {
-    QSignalSpy spy(m_center.get(), &ZuviNotificationCenter::notificationPosted);
+    QSignalSpy spy(&m_f->center, &ZuviNotificationCenter::notificationPosted);
     auto logNotifications = [&spy] {
         int count = 0;
         for (const QList<QVariant> &arguments : spy)
@@ -222,55 +205,56 @@ void TestZuviAPIClientWire::errorLogFollowsDeveloperMode()
         ++delivered;
     };
 
-    m_client->finishWithVideos({}, error, completion);
+    m_f->client->finishWithVideos({}, error, completion);
     QTRY_COMPARE(delivered, 1);
-    QCOMPARE(m_log->logText(), QString());
+    QCOMPARE(m_f->log->logText(), QString());
     QCOMPARE(logNotifications(), 0);
-    QVERIFY(m_client->apiRequestErrorLogs().isEmpty());
+    QVERIFY(m_f->client->apiRequestErrorLogs().isEmpty());
 
-    m_store->get()->setBool(true, "ZuviDeveloperModeEnabled");
-    m_client->finishWithVideos({}, error, completion);
+    m_f->defaults.get()->setBool(true, "ZuviDeveloperModeEnabled");
+    m_f->client->finishWithVideos({}, error, completion);
     QTRY_COMPARE(delivered, 2);
     QTRY_COMPARE(logNotifications(), 1);
-    const QString text = m_log->logText();
+    const QString text = m_f->log->logText();
     QVERIFY2(text.contains("] [请求错误]\n视频列表接口\ndomain=ZuviAPIClientErrorDomain\ncode=501\n"
                            "message=分区榜单缺少列表字段\n"),
              qPrintable(text));
-    QCOMPARE(m_client->apiRequestErrorLogs(), QStringList{text});
+    QCOMPARE(m_f->client->apiRequestErrorLogs(), QStringList{text});
 
     // No error, nothing recorded even in developer mode.
-    m_client->finishWithVideos({}, ZuviError(), {});
-    m_client->recordAPIRequestErrorWithCategory(QString(), ZuviError("", 7, ""));
-    QVERIFY(m_log->logText().endsWith("接口请求\ndomain=\ncode=7\nmessage=未知请求错误\n"));
+    m_f->client->finishWithVideos({}, ZuviError(), {});
+    m_f->client->recordAPIRequestErrorWithCategory(QString(), ZuviError("", 7, ""));
+    QVERIFY(m_f->log->logText().endsWith("接口请求\ndomain=\ncode=7\nmessage=未知请求错误\n"));
 }
 
 void TestZuviAPIClientWire::nilCompletionStillRecordsTheError()
 {
-    m_store->get()->setBool(true, "ZuviDeveloperModeEnabled");
-    m_client->finishWithDetail(std::nullopt,
-                               ZuviAPIClient::errorWithCode(201, "视频详情字段不完整"), {});
-    QVERIFY(m_log->logText().contains("视频详情接口\ndomain=ZuviAPIClientErrorDomain\ncode=201"));
+    m_f->defaults.get()->setBool(true, "ZuviDeveloperModeEnabled");
+    m_f->client->finishWithDetail(std::nullopt,
+                                  ZuviAPIClient::errorWithCode(201, "视频详情字段不完整"), {});
+    QVERIFY(
+        m_f->log->logText().contains("视频详情接口\ndomain=ZuviAPIClientErrorDomain\ncode=201"));
 }
 
 void TestZuviAPIClientWire::actionMessagesAreFilled()
 {
     QList<QString> messages;
     auto completion = [&](bool, const QString &message, const ZuviError &) { messages << message; };
-    m_client->finishWithActionSuccess(true, QString(), ZuviError(), "点赞", completion);
-    m_client->finishWithActionSuccess(
+    m_f->client->finishWithActionSuccess(true, QString(), ZuviError(), "点赞", completion);
+    m_f->client->finishWithActionSuccess(
         false, QString(), ZuviAPIClient::errorWithCode(741, "缺少登录凭证或 zuvi_jct，请先登录"),
         "点赞", completion);
-    m_client->finishWithActionSuccess(true, "已点赞", ZuviError(), "点赞", completion);
+    m_f->client->finishWithActionSuccess(true, "已点赞", ZuviError(), "点赞", completion);
     QTRY_COMPARE(messages.size(), 3);
     QCOMPARE(messages, (QList<QString>{"操作成功", "缺少登录凭证或 zuvi_jct，请先登录", "已点赞"}));
 }
 
 void TestZuviAPIClientWire::clearingTheErrorLogNotifies()
 {
-    QSignalSpy spy(m_center.get(), &ZuviNotificationCenter::notificationPosted);
-    m_log->appendText("x");
-    m_client->clearAPIRequestErrorLogs();
-    QCOMPARE(m_log->logText(), QString());
+    QSignalSpy spy(&m_f->center, &ZuviNotificationCenter::notificationPosted);
+    m_f->log->appendText("x");
+    m_f->client->clearAPIRequestErrorLogs();
+    QCOMPARE(m_f->log->logText(), QString());
     QTRY_VERIFY(std::any_of(spy.begin(), spy.end(), [](const QList<QVariant> &arguments) {
         return arguments.at(0).toString() == "ZuviAPIRequestErrorLogUpdatedNotification";
     }));

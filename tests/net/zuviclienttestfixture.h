@@ -1,7 +1,7 @@
 #pragma once
 
-#include "app/zuvidebuglog.h"
 #include "net/zuviapiclient.h"
+#include "platform/zuvidebuglog.h"
 #include "platform/zuvinotificationcenter.h"
 #include "platform/zuvivirtualscheduler.h"
 #include "zuvitesthttpserver.h"

@@ -1,8 +1,8 @@
 #include "zuvicli.h"
 
-#include "app/zuvidebuglog.h"
 #include "net/zuviapiclient.h"
 #include "net/zuvivideocontentparser.h"
+#include "platform/zuvidebuglog.h"
 #include "platform/zuvidefaults.h"
 #include "platform/zuvilaunchoptions.h"
 #include "platform/zuvinotificationcenter.h"

@@ -1,4 +1,4 @@
-#include "app/zuvidebuglog.h"
+#include "platform/zuvidebuglog.h"
 #include "platform/zuvinotificationcenter.h"
 #include "zuvitestsupport.h"
 
