@@ -1,5 +1,6 @@
 #include "zuviappdelegate.h"
 
+#include "account/zuviprofileviewcontroller.h"
 #include "app/zuvidebuglog.h"
 #include "browse/zuvivideogridviewcontroller.h"
 #include "config/zuviremoteconfig.h"
@@ -82,15 +83,17 @@ ZuviTabBarController *ZuviAppDelegate::buildRootTabBarController()
             QStringLiteral("推荐"), QStringLiteral("暂无推荐内容。"), m_services.client,
             m_services.scheduler),
         QStringLiteral("推荐"), 0);
-    // The other three tabs get their screens with later parts of the
+    // The other two tabs get their screens with later parts of the
     // application; until then they say so.
-    const QString laterTitles[] = {QStringLiteral("热门"), QStringLiteral("关注"),
-                                   QStringLiteral("我的")};
-    for (int index = 1; index <= 3; ++index) {
+    const QString laterTitles[] = {QStringLiteral("热门"), QStringLiteral("关注")};
+    for (int index = 1; index <= 2; ++index) {
         const QString &title = laterTitles[index - 1];
         navigationControllerWithRootViewController(new ZuviUnavailableViewController(title), title,
                                                    index);
     }
+    navigationControllerWithRootViewController(
+        new ZuviProfileViewController(m_services.client, m_services.scheduler),
+        QStringLiteral("我的"), 3);
     m_root->setTintColor(Qt::black);
     m_root->setShouldSelectHandler([this](ZuviNavigationController *controller) {
         return tabBarControllerShouldSelectViewController(controller);
