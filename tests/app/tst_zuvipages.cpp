@@ -3,6 +3,8 @@
 #include "app/zuvidebuglogviewcontroller.h"
 #include "app/zuvitabbarcontroller.h"
 #include "app/zuviunavailableviewcontroller.h"
+#include "browse/zuvihotregionsettingsviewcontroller.h"
+#include "browse/zuvihotviewcontroller.h"
 #include "browse/zuvisearchresultsviewcontroller.h"
 #include "browse/zuvivideogridviewcontroller.h"
 #include "images/zuviimageloader.h"
@@ -151,6 +153,30 @@ private slots:
         ZuviSearchResultsViewController search("", client.get());
         search.loadViewIfNeeded();
         loadPage(&search, QSize(1024, 768));
+    }
+
+    void hotPage_data()
+    {
+        QTest::addColumn<bool>("pad");
+        QTest::newRow("pad") << true;
+        QTest::newRow("phone") << false;
+    }
+    void hotPage()
+    {
+        QFETCH(bool, pad);
+        ZuviIdiom::setCurrent(pad ? ZuviIdiom::Pad : ZuviIdiom::Phone);
+        // Signed out: the page shows the account check over its strip.
+        ZuviHotViewController hot(client.get(), defaults.get());
+        hot.loadViewIfNeeded();
+        loadPage(&hot, ZuviIdiom::defaultWindowSize(ZuviIdiom::current()));
+    }
+
+    void hotRegionSettingsPage()
+    {
+        ZuviHotRegionSettingsViewController settings(defaults.get());
+        loadPage(&settings, QSize(1024, 768));
+        settings.setEditing(true);
+        QCoreApplication::processEvents();
     }
 
     void debugLogPage()
