@@ -25,7 +25,7 @@ Item {
         width: parent.width
         height: parent.height
         y: row.lifted ? row.liftOffset : 0
-        color: area.pressed || row.lifted ? Qt.rgba(0.93, 0.93, 0.95, 1) : "white"
+        color: area.pressed || row.lifted ? Qt.rgba(0.93, 0.93, 0.95, 1) : "transparent"
         border.width: row.lifted ? 1 : 0
         border.color: Qt.rgba(0.74, 0.74, 0.77, 1)
 

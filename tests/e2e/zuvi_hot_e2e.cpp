@@ -148,7 +148,12 @@ int main(int argc, char *argv[])
 
     Steps steps;
     steps.add(
-        "signed out, 热门 shows the login card", [&] { return hot->isShowingLoginRequiredState(); },
+        "signed out, 热门 shows the login card",
+        [&] {
+            if (tabs->selectedIndex() != 1)
+                tabs->selectTab(1);
+            return hot->isShowingLoginRequiredState();
+        },
         [&] {
             return hot->stateView()->title() == QStringLiteral("用户未登录") &&
                    hot->stateView()->buttonTitle() == QStringLiteral("登录") &&
