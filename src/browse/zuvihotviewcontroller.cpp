@@ -37,11 +37,6 @@ QUrl ZuviHotViewController::pageUrl() const
     return modulePageUrl(QStringLiteral("HotPage.qml"));
 }
 
-void ZuviHotViewController::viewDidLoad()
-{
-    reloadVideos();
-}
-
 // --- State
 
 bool ZuviHotViewController::hasCachedVideosForRegionKey(const QString &key) const
@@ -303,7 +298,11 @@ void ZuviHotViewController::viewWillAppear()
     const bool sortChanged = sortMode != m_sortModeIndex;
     m_sortModeIndex = sortMode;
     const bool keysChanged = applyVisibleRegionKeys(visibleHotRegionKeys(m_defaults));
-    if (keysChanged || sortChanged || m_showingLoginRequiredState)
+    // The shell builds every tab at launch; the first load waits until this
+    // one is first shown, so a launch only pays for the tab on screen.
+    const bool firstAppearance = !m_hasAppeared;
+    m_hasAppeared = true;
+    if (firstAppearance || keysChanged || sortChanged || m_showingLoginRequiredState)
         reloadVideos();
 }
 

@@ -134,9 +134,6 @@ signals:
     void regionsChanged();
     void phoneChromeChanged();
 
-protected:
-    void viewDidLoad() override;
-
 private:
     void regionChanged(int index);
     void showVideos(const QList<ZuviVideoItem> &unsorted);
@@ -161,6 +158,7 @@ private:
     int m_selectedRegionIndex = 0;
     int m_sortModeIndex = SortDefault;
     bool m_showingLoginRequiredState = false;
+    bool m_hasAppeared = false;
 
     double m_lastScrollOffsetY = 0;
     double m_scrollOffsetY = 0;

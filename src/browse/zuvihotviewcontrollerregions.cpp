@@ -156,14 +156,21 @@ ZuviHotViewController::sortedVideosFromVideos(const QList<ZuviVideoItem> &videos
 {
     if (sortMode == SortDefault || videos.size() < 2)
         return videos;
-    const auto count = [sortMode](const ZuviVideoItem &item) {
-        return countValueFromText(sortMode == SortByPlayCount ? item.playCountText
-                                                              : item.commentCountText);
-    };
-    QList<ZuviVideoItem> sorted = videos;
+    // Each count text is read once, not at every comparison.
+    QList<QPair<double, qsizetype>> keyed;
+    keyed.reserve(videos.size());
+    for (qsizetype i = 0; i < videos.size(); ++i) {
+        const ZuviVideoItem &item = videos.at(i);
+        keyed.append({countValueFromText(sortMode == SortByPlayCount ? item.playCountText
+                                                                     : item.commentCountText),
+                      i});
+    }
     // Equal counts keep the service's order between them.
-    std::stable_sort(
-        sorted.begin(), sorted.end(),
-        [&count](const ZuviVideoItem &a, const ZuviVideoItem &b) { return count(a) > count(b); });
+    std::stable_sort(keyed.begin(), keyed.end(),
+                     [](const auto &a, const auto &b) { return a.first > b.first; });
+    QList<ZuviVideoItem> sorted;
+    sorted.reserve(videos.size());
+    for (const auto &entry : std::as_const(keyed))
+        sorted.append(videos.at(entry.second));
     return sorted;
 }

@@ -167,7 +167,7 @@ private slots:
         ZuviIdiom::setCurrent(pad ? ZuviIdiom::Pad : ZuviIdiom::Phone);
         // Signed out: the page shows the account check over its strip.
         ZuviHotViewController hot(client.get(), defaults.get());
-        hot.loadViewIfNeeded();
+        hot.viewWillAppear();
         loadPage(&hot, ZuviIdiom::defaultWindowSize(ZuviIdiom::current()));
     }
 

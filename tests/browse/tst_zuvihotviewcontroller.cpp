@@ -46,7 +46,7 @@ private:
 
     // The tab root with the ranking tab second and three stand-ins, so the
     // login button has a profile tab to open.
-    Hot *makeHot()
+    Hot *makeHot(bool show = true)
     {
         tabs = std::make_unique<ZuviTabBarController>();
         auto *screen = new Hot(service.client.get(), defaults());
@@ -59,7 +59,8 @@ private:
                                               : new ZuviUnavailableViewController(titles[i]);
             tabs->addTab(new ZuviNavigationController(root, &scheduler), {titles[i], {}, {}, i});
         }
-        tabs->selectTab(1);
+        if (show)
+            tabs->selectTab(1);
         return screen;
     }
     // The ranking answer for a region: count entries named after the rid.
@@ -189,7 +190,11 @@ private slots:
     void signedOutThenSignedInOnTheProfileTab()
     {
         service.server.setAnswer("GET", nav, loggedOutNav());
-        makeHot()->loadViewIfNeeded();
+        // Built with the other tabs, the screen waits until it is shown.
+        makeHot(false);
+        QVERIFY(!hot->isCheckingLoginState());
+        QCOMPARE(hot->stateView(), nullptr);
+        tabs->selectTab(1);
         QVERIFY(hot->isCheckingLoginState());
         QCOMPARE(hot->stateView()->title(), QStringLiteral("正在检查登录状态"));
         QVERIFY(!hot->isRefreshEnabled());
@@ -226,7 +231,7 @@ private slots:
         signIn();
         storeKeys(keys);
         service.server.setAnswer("GET", path, loggedOutNav());
-        makeHot()->loadViewIfNeeded();
+        makeHot();
         QTRY_VERIFY(hot->isShowingLoginRequiredState());
         QCOMPARE(hot->stateView()->title(), QStringLiteral("用户未登录"));
         QVERIFY(!hot->isRefreshEnabled());
@@ -242,7 +247,7 @@ private slots:
             sources << title;
             return new ZuviUnavailableViewController(title);
         });
-        makeHot()->loadViewIfNeeded();
+        makeHot();
         QCOMPARE(hot->stateView()->message(), QStringLiteral("正在获取全站热门榜单。"));
         QTRY_COMPARE(hot->videos().size(), 3);
         // The whole-site ranking is rid 0 on the route "all".
@@ -277,7 +282,7 @@ private slots:
     {
         signIn();
         storeKeys({"popular", "1005", "1008"});
-        makeHot()->loadViewIfNeeded();
+        makeHot();
         QTRY_COMPARE(hot->videos().size(), 4);
         service.server.setHandler("GET", ranking, [](const ZuviRecordedRequest &r) {
             ZuviScriptedAnswer answer = rankingFor(r);
@@ -306,7 +311,7 @@ private slots:
                  {"data", QJsonObject{{"list", QJsonArray{countedEntry("BVlow", 9999, 1),
                                                           countedEntry("BVtop", 300000000, 0),
                                                           countedEntry("BVmid", 12000, 2)}}}}})));
-        makeHot()->loadViewIfNeeded();
+        makeHot();
         QTRY_COMPARE(firstBVID(), QStringLiteral("BVlow"));
         // The settings chose the play order: the cached list is sorted again.
         defaults()->setInteger(Hot::SortByPlayCount,
@@ -348,7 +353,7 @@ private slots:
         slowNav.delayMs = 150;
         service.server.setAnswer("GET", nav, slowNav);
         answerRankingsByRegion(150);
-        makeHot()->loadViewIfNeeded();
+        makeHot();
         tester.reset();
         tabs.reset();
         QVERIFY(hot.isNull());
