@@ -337,6 +337,27 @@ private slots:
         QCOMPARE(hot->selectedRegionCacheKey(), QStringLiteral("1005"));
     }
 
+    void phoneChromeFollowsTheGrid()
+    {
+        ZuviIdiom::setCurrent(ZuviIdiom::Phone);
+        signIn();
+        makeHot();
+        QTRY_COMPARE(hot->videos().size(), 4);
+        QSignalSpy chrome(hot.data(), &Hot::phoneChromeChanged);
+        ZuviNavigationController *stack = tabs->viewControllerAt(1);
+        hot->gridDidScroll(500, 2000, 0, 10);
+        hot->gridDidScroll(500, 2000, 120, 10);
+        QVERIFY(hot->phoneChromeHidden());
+        QVERIFY(stack->isNavigationBarHidden());
+        hot->gridDidScroll(500, 2000, 60, 10);
+        QVERIFY(!hot->phoneChromeHidden());
+        QCOMPARE(chrome.size(), 2);
+        // Leaving with the bar hidden brings it back for the next screen.
+        hot->gridDidScroll(500, 2000, 200, 10);
+        tabs->selectTab(0);
+        QVERIFY(!stack->isNavigationBarHidden());
+    }
+
     void screenGoneWithItsRequestsOutstanding_data()
     {
         QTest::addColumn<bool>("signedIn");
