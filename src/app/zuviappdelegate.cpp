@@ -1,6 +1,7 @@
 #include "zuviappdelegate.h"
 
 #include "app/zuvidebuglog.h"
+#include "browse/zuvihotviewcontroller.h"
 #include "browse/zuvivideogridviewcontroller.h"
 #include "config/zuviremoteconfig.h"
 #include "config/zuviremoteconfigoptions.h"
@@ -82,12 +83,14 @@ ZuviTabBarController *ZuviAppDelegate::buildRootTabBarController()
             QStringLiteral("推荐"), QStringLiteral("暂无推荐内容。"), m_services.client,
             m_services.scheduler),
         QStringLiteral("推荐"), 0);
-    // The other three tabs get their screens with later parts of the
+    navigationControllerWithRootViewController(
+        new ZuviHotViewController(m_services.client, m_services.defaults), QStringLiteral("热门"),
+        1);
+    // The other two tabs get their screens with later parts of the
     // application; until then they say so.
-    const QString laterTitles[] = {QStringLiteral("热门"), QStringLiteral("关注"),
-                                   QStringLiteral("我的")};
-    for (int index = 1; index <= 3; ++index) {
-        const QString &title = laterTitles[index - 1];
+    const QString laterTitles[] = {QStringLiteral("关注"), QStringLiteral("我的")};
+    for (int index = 2; index <= 3; ++index) {
+        const QString &title = laterTitles[index - 2];
         navigationControllerWithRootViewController(new ZuviUnavailableViewController(title), title,
                                                    index);
     }

@@ -3,6 +3,8 @@
 #include "app/zuvidebuglogviewcontroller.h"
 #include "app/zuvitabbarcontroller.h"
 #include "app/zuviunavailableviewcontroller.h"
+#include "browse/zuvihotregionsettingsviewcontroller.h"
+#include "browse/zuvihotviewcontroller.h"
 #include "browse/zuvisearchresultsviewcontroller.h"
 #include "browse/zuvivideogridviewcontroller.h"
 #include "images/zuviimageloader.h"
@@ -151,6 +153,50 @@ private slots:
         ZuviSearchResultsViewController search("", client.get());
         search.loadViewIfNeeded();
         loadPage(&search, QSize(1024, 768));
+    }
+
+    void hotPage_data()
+    {
+        QTest::addColumn<bool>("pad");
+        QTest::newRow("pad") << true;
+        QTest::newRow("phone") << false;
+    }
+    void hotPage()
+    {
+        QFETCH(bool, pad);
+        ZuviIdiom::setCurrent(pad ? ZuviIdiom::Pad : ZuviIdiom::Phone);
+        // Signed out: the page shows the account check over its strip.
+        ZuviHotViewController hot(client.get(), defaults.get());
+        hot.viewWillAppear();
+        loadPage(&hot, ZuviIdiom::defaultWindowSize(ZuviIdiom::current()));
+    }
+
+    void hotRegionSettingsPageDragsByTheGrip()
+    {
+        ZuviHotViewController::setVisibleHotRegionKeys({"popular", "1005", "1008"}, defaults.get());
+        ZuviHotRegionSettingsViewController settings(defaults.get());
+        settings.setEditing(true);
+        QQmlEngine engine;
+        QQuickWindow window;
+        window.resize(1024, 768);
+        QQmlComponent component(&engine, settings.pageUrl());
+        std::unique_ptr<QObject> page(component.createWithInitialProperties(
+            {{"controller", QVariant::fromValue(&settings)}}));
+        QVERIFY2(page, qPrintable(component.errorString()));
+        auto *item = qobject_cast<QQuickItem *>(page.get());
+        item->setParentItem(window.contentItem());
+        item->setSize(window.size());
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        // The first shown row's grip (under the bar and the section title),
+        // dragged two rows down.
+        const QPoint grip(1024 - 40 - 24, 44 + 44 + 22);
+        QTest::mousePress(&window, Qt::LeftButton, {}, grip);
+        for (int step = 1; step <= 8; ++step)
+            QTest::mouseMove(&window, grip + QPoint(0, step * 11));
+        QTest::mouseRelease(&window, Qt::LeftButton, {}, grip + QPoint(0, 88));
+        QTRY_COMPARE(ZuviHotViewController::visibleHotRegionKeys(defaults.get()),
+                     (QStringList{"1005", "1008", "popular"}));
     }
 
     void debugLogPage()
