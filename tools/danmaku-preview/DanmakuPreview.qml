@@ -2,7 +2,8 @@ import QtQuick
 import Zuvi
 
 // A stand-in for a movie picture: slowly drifting coloured bars under the
-// danmaku overlay, with the live counters along the bottom edge.
+// danmaku overlay, with the density graph and the live counters along the
+// bottom edge.
 Rectangle {
     id: root
     color: "#1d2633"
@@ -40,11 +41,23 @@ Rectangle {
     }
 
     ZuviDanmakuOverlayView {
+        id: overlay
         objectName: "overlay"
         anchors.fill: parent
     }
 
+    // How busy each moment of the document is, from what the settings keep.
+    ZuviDanmakuDensityGraph {
+        objectName: "density"
+        overlay: overlay
+        anchors.left: parent.left
+        anchors.right: parent.right
+        anchors.bottom: countersBar.top
+        height: 28
+    }
+
     Rectangle {
+        id: countersBar
         anchors.left: parent.left
         anchors.right: parent.right
         anchors.bottom: parent.bottom

@@ -1,7 +1,10 @@
 // oldzuvi-danmaku-preview FILE.xml: plays a danmaku document over a moving
-// test picture in real time, the overlay's manual test bench.
+// test picture in real time, the overlay's manual test bench. The viewer's
+// danmaku settings are options (see ZuviDanmakuPreviewOptions), and the
+// density graph of what they keep runs along the bottom.
 #include "danmaku/zuvidanmakuoverlayview.h"
 #include "model/zuvidanmakuxmlparser.h"
+#include "zuvidanmakupreviewoptions.h"
 #include "zuvidanmakupreviewplayer.h"
 
 #include <QCommandLineParser>
@@ -51,9 +54,16 @@ int main(int argc, char *argv[])
     const QCommandLineOption shotOption("screenshot", "Where the grab goes (PNG).", "OUT.png",
                                         "danmaku-preview.png");
     options.addOptions({startOption, idiomOption, shotAtOption, shotOption});
+    options.addOptions(ZuviDanmakuPreviewOptions::options());
     options.process(app);
     if (options.positionalArguments().size() != 1)
         options.showHelp(2);
+    ZuviDanmakuSettings settings;
+    QString problem;
+    if (!ZuviDanmakuPreviewOptions::settingsFromParser(options, &settings, &problem)) {
+        std::fprintf(stderr, "%s\n", qPrintable(problem));
+        return 2;
+    }
 
     QList<ZuviDanmakuItem> items;
     if (!readDocument(options.positionalArguments().first(), &items))
@@ -71,6 +81,10 @@ int main(int argc, char *argv[])
     auto *overlay = view.rootObject()->findChild<ZuviDanmakuOverlayView *>("overlay");
     QObject *counters = view.rootObject()->findChild<QObject *>("counters");
     overlay->setPadIdiom(idiom == ZuviIdiom::Pad);
+    overlay->setDanmakuSettings(settings);
+    const QString blockProblems = overlay->engine()->blockList().problemText();
+    if (!blockProblems.isEmpty())
+        std::fprintf(stderr, "%s\n", qPrintable(blockProblems));
     overlay->setDanmakuItems(items);
     view.resize(ZuviIdiom::defaultWindowSize(idiom));
     view.show();
