@@ -59,6 +59,17 @@ Rectangle {
         palette.windowText: "white"
     }
 
+    // A switch whose text stays readable on the dark panel.
+    component PanelSwitch: Switch {
+        id: panelSwitch
+        contentItem: Label {
+            leftPadding: panelSwitch.indicator.width + panelSwitch.spacing
+            text: panelSwitch.text
+            color: "white"
+            verticalAlignment: Text.AlignVCenter
+        }
+    }
+
     ColumnLayout {
         anchors.fill: parent
         anchors.margins: 12
@@ -168,9 +179,8 @@ Rectangle {
                 }
 
                 SectionTitle { text: "合并与动态" }
-                Switch {
+                PanelSwitch {
                     text: "合并重复弹幕（" + panel.controller.mergeWindow.toFixed(0) + " 秒内）"
-                    palette.windowText: "white"
                     checked: panel.controller.mergesRepeats
                     onToggled: panel.controller.mergesRepeats = checked
                 }
@@ -182,9 +192,8 @@ Rectangle {
                     valueText: panel.controller.mergeWindow.toFixed(0) + " 秒"
                     onMoved: value => panel.controller.mergeWindow = value
                 }
-                Switch {
+                PanelSwitch {
                     text: "减少动态：弹幕静止显示"
-                    palette.windowText: "white"
                     checked: panel.controller.reducedMotion
                     onToggled: panel.controller.reducedMotion = checked
                 }
@@ -216,14 +225,14 @@ Rectangle {
                     font.pixelSize: 12
                     wrapMode: Text.Wrap
                 }
+                Label {
+                    text: panel.controller.blockListSummary
+                    color: "#9aa0aa"
+                    font.pixelSize: 12
+                }
                 RowLayout {
                     Layout.fillWidth: true
-                    Label {
-                        text: panel.controller.blockListSummary
-                        color: "#9aa0aa"
-                        font.pixelSize: 12
-                        Layout.fillWidth: true
-                    }
+                    Item { Layout.fillWidth: true }
                     Button {
                         text: "应用"
                         enabled: blockEditor.text !== panel.controller.blockListText

@@ -150,6 +150,10 @@ int ZuviDanmakuEngine::fixedLaneCount() const
     const int scroll = scrollLaneCount();
     if (scroll < 2)
         return 1;
+    // Without motion every item stands still, so the still lanes take over
+    // the room the scrolling ones leave, half above and half below.
+    if (m_settings.reducedMotion)
+        return scroll / 2;
     return std::min(scroll / 2, 3);
 }
 

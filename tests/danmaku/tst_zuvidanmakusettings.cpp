@@ -390,6 +390,12 @@ void TestZuviDanmakuSettings::reducedMotionStandsStill()
         QCOMPARE(rig.engine.currentOpacity(rig.engine.visibleLabel(i)), 1.0);
     }
     QCOMPARE(rig.engine.scrollLaneAvailableTimes(), std::vector<double>(6, 0.0));
+
+    // On a larger screen the still lanes take the scrolling lanes' room.
+    Rig pad;
+    QCOMPARE(pad.engine.fixedLaneCount(), 3);
+    pad.engine.setDanmakuSettings(settings);
+    QCOMPARE(pad.engine.fixedLaneCount(), 7);
 }
 
 void TestZuviDanmakuSettings::densityCounts()

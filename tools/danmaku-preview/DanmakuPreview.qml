@@ -8,6 +8,9 @@ Rectangle {
     id: root
     color: "#1d2633"
 
+    // Set by the tool with --panel: the settings panel then shows on the right.
+    property ZuviDanmakuSettingsController settingsController: null
+
     Row {
         id: bars
         height: parent.height
@@ -54,6 +57,18 @@ Rectangle {
         anchors.right: parent.right
         anchors.bottom: countersBar.top
         height: 28
+    }
+
+    Loader {
+        active: root.settingsController !== null
+        anchors.right: parent.right
+        anchors.top: parent.top
+        anchors.bottom: countersBar.top
+        anchors.margins: 16
+        width: 360
+        sourceComponent: DanmakuSettingsPanel {
+            controller: root.settingsController
+        }
     }
 
     Rectangle {

@@ -15,3 +15,4 @@ preview_shot danmaku-effect-area-quarter --area quarter
 preview_shot danmaku-effect-fixed-only --hide scrolling
 preview_shot danmaku-effect-merge-block --merge --block 2333 --block "/^哈+$/" --block "/(/"
 preview_shot danmaku-effect-reduced-motion --reduced-motion
+preview_shot danmaku-effect-panel --panel --opacity 80 --block 剧透 --block "/(/"
