@@ -5,6 +5,7 @@
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
+#include <QPointer>
 
 const char ZuviScreenSaverInhibitor::kApplicationName[] = "oldZuvi";
 const char ZuviScreenSaverInhibitor::kReason[] = "正在播放视频";
@@ -16,6 +17,15 @@ QDBusMessage screenSaverCall(const QString &method)
                                           QStringLiteral("/org/freedesktop/ScreenSaver"),
                                           QStringLiteral("org.freedesktop.ScreenSaver"), method);
 }
+
+QDBusMessage unInhibitCall(uint cookie)
+{
+    QDBusMessage call = screenSaverCall(QStringLiteral("UnInhibit"));
+    call << cookie;
+    // Lifting an inhibition never starts a screen saver that is not running.
+    call.setAutoStartService(false);
+    return call;
+}
 } // namespace
 
 ZuviScreenSaverInhibitor::ZuviScreenSaverInhibitor(const QDBusConnection &connection,
@@ -26,8 +36,7 @@ ZuviScreenSaverInhibitor::ZuviScreenSaverInhibitor(const QDBusConnection &connec
 
 ZuviScreenSaverInhibitor::~ZuviScreenSaverInhibitor()
 {
-    // An inhibition still on its way is lifted by the screen saver itself
-    // when this process leaves the bus; one already granted is lifted here.
+    // One still on its way is lifted when its cookie arrives (inhibit()).
     uninhibit();
 }
 
@@ -63,30 +72,40 @@ void ZuviScreenSaverInhibitor::inhibit()
     QDBusMessage call = screenSaverCall(QStringLiteral("Inhibit"));
     call << QString::fromLatin1(kApplicationName) << QString::fromUtf8(kReason);
     m_waitingForCookie = true;
-    // The watcher is a child: an answer after destruction goes nowhere.
-    auto *watcher = new QDBusPendingCallWatcher(m_connection.asyncCall(call), this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {
+    // The answer may come after this object is gone; the cookie it carries
+    // is then handed straight back, so no inhibition outlives its owner.
+    auto *watcher = new QDBusPendingCallWatcher(m_connection.asyncCall(call));
+    const QPointer<ZuviScreenSaverInhibitor> owner(this);
+    const QDBusConnection connection = m_connection;
+    connect(watcher, &QDBusPendingCallWatcher::finished, watcher, [owner, connection, watcher] {
         watcher->deleteLater();
-        m_waitingForCookie = false;
         const QDBusPendingReply<uint> reply = *watcher;
-        // A missing service answers with an error: stay as we are, and try
-        // again only when playback starts again, never in a loop.
-        if (reply.isError())
-            return;
-        m_cookie = reply.value();
-        emit inhibitedChanged();
-        update();
+        if (owner) {
+            owner->cookieArrived(reply.isError() ? std::nullopt
+                                                 : std::optional<uint>(reply.value()));
+        } else if (!reply.isError()) {
+            QDBusConnection(connection).send(unInhibitCall(reply.value()));
+        }
     });
+}
+
+void ZuviScreenSaverInhibitor::cookieArrived(std::optional<uint> cookie)
+{
+    m_waitingForCookie = false;
+    // A missing service answers with an error: stay as we are, and try
+    // again only when playback starts again, never in a loop.
+    if (!cookie)
+        return;
+    m_cookie = cookie;
+    emit inhibitedChanged();
+    update();
 }
 
 void ZuviScreenSaverInhibitor::uninhibit()
 {
     if (!m_cookie)
         return;
-    QDBusMessage call = screenSaverCall(QStringLiteral("UnInhibit"));
-    call << *m_cookie;
-    call.setAutoStartService(false);
-    m_connection.send(call);
+    m_connection.send(unInhibitCall(*m_cookie));
     m_cookie.reset();
     emit inhibitedChanged();
 }

@@ -43,6 +43,7 @@ signals:
 private:
     void update();
     void inhibit();
+    void cookieArrived(std::optional<uint> cookie);
     void uninhibit();
 
     QDBusConnection m_connection;

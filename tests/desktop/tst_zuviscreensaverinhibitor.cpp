@@ -121,6 +121,18 @@ private slots:
         QCOMPARE(screenSaver->calls.size(), 3);
     }
 
+    // Gone before the cookie came: the cookie is handed back on arrival.
+    void destroyedWhileWaitingForTheCookie()
+    {
+        auto inhibitor = std::make_unique<ZuviScreenSaverInhibitor>(app);
+        inhibitor->setPlaying(true);
+        QVERIFY(inhibitor->isWaitingForCookie());
+        inhibitor.reset();
+        QTRY_COMPARE(screenSaver->calls.size(), 2);
+        QCOMPARE(screenSaver->calls,
+                 (QStringList{inhibitCall + " -> 7", QStringLiteral("UnInhibit 7")}));
+    }
+
     // No screen saver on the bus, or no bus at all: nothing is held and
     // nothing fails; a screen saver that appears later is used.
     void missingServiceIsHarmless()
