@@ -1,6 +1,7 @@
 #include "app/zuviappdelegate.h"
 #include "app/zuvidebuglog.h"
 #include "app/zuvidebuglogviewcontroller.h"
+#include "app/zuvikeyboardshortcuts.h"
 #include "app/zuvitabbarcontroller.h"
 #include "app/zuviunavailableviewcontroller.h"
 #include "browse/zuvihotregionsettingsviewcontroller.h"
@@ -213,6 +214,7 @@ private slots:
 
     void applicationWindow()
     {
+        ZuviKeyboardShortcuts shortcuts;
         ZuviAppDelegate::Services services;
         services.client = client.get();
         services.defaults = defaults.get();
@@ -221,18 +223,40 @@ private slots:
         services.log = log.get();
         services.imageLoader = images.get();
         services.endpoints = ZuviEndpoints::allOn(server.baseUrl());
+        services.shortcuts = &shortcuts;
         QQmlEngine engine;
-        ZuviAppDelegate delegate(services);
-        QVERIFY(delegate.applicationDidFinishLaunching(&engine));
-        auto *window = qobject_cast<QQuickWindow *>(delegate.window());
+        auto delegate = std::make_unique<ZuviAppDelegate>(services);
+        QVERIFY(delegate->applicationDidFinishLaunching(&engine));
+        auto *window = qobject_cast<QQuickWindow *>(delegate->window());
         QVERIFY(window);
         QCOMPARE(window->size(), QSize(1024, 768));
         QVERIFY(QTest::qWaitForWindowExposed(window));
         // Every tab shows its page.
         for (int i = 0; i < 4; ++i) {
-            delegate.rootTabBarController()->selectTab(i);
+            delegate->rootTabBarController()->selectTab(i);
             QCoreApplication::processEvents();
         }
+
+        // The search key, from another tab, lands in the recommended grid's
+        // search field; what is typed there is text, not keys.
+        QTest::keyClick(window, Qt::Key_F, Qt::ControlModifier);
+        QCOMPARE(delegate->rootTabBarController()->selectedIndex(), 0);
+        QVERIFY(window->activeFocusItem());
+        QVERIFY(window->activeFocusItem()->inherits("QQuickTextInput"));
+        QTest::keyClick(window, Qt::Key_Question, Qt::ShiftModifier, 0);
+        QVERIFY(!shortcuts.isHelpVisible());
+        window->activeFocusItem()->setFocus(false);
+        QTest::keyClick(window, Qt::Key_Question, Qt::ShiftModifier);
+        QVERIFY(shortcuts.isHelpVisible());
+        QCoreApplication::processEvents();
+
+        // The next launch opens the window as this one was left.
+        window->resize(720, 540);
+        QTRY_COMPARE(window->size(), QSize(720, 540));
+        delegate.reset();
+        ZuviAppDelegate next(services);
+        QVERIFY(next.applicationDidFinishLaunching(&engine));
+        QCOMPARE(qobject_cast<QQuickWindow *>(next.window())->size(), QSize(720, 540));
     }
 };
 
