@@ -46,24 +46,25 @@ Rectangle {
         onClicked: surface.controller.retryButtonTapped()
     }
 
-    // The badge travels with the picture, into the fullscreen window too.
+    // The badge sits wherever the picture is (the fullscreen window too),
+    // above the danmaku and below the end card.
     Rectangle {
         objectName: "fastForwardBadge"
-        parent: movieView
-        z: 5
+        parent: movieView.parent
+        z: 10001
         visible: surface.controller.fastForward.badgeVisible
-        anchors.horizontalCenter: parent.horizontalCenter
-        anchors.top: parent.top
-        anchors.topMargin: 16
-        width: badgeLabel.implicitWidth + 24
-        height: 30
-        radius: 15
-        color: "#b0000000"
+        x: movieView.x + (movieView.width - width) / 2
+        y: movieView.y + 20
+        width: badgeLabel.implicitWidth + 28
+        height: 34
+        radius: 17
+        color: "#c0000000"
         Label {
             id: badgeLabel
             anchors.centerIn: parent
             text: surface.controller.fastForward.badgeText
             color: "white"
+            font.pixelSize: 16
             font.bold: true
         }
     }
