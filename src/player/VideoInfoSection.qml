@@ -62,17 +62,33 @@ ColumnLayout {
                 { tag: ZuviVideoActions.DanmakuButton, text: "发弹幕", selectedText: "" }
             ]
             delegate: Button {
+                id: actionButton
                 required property var modelData
                 readonly property bool selected:
                     (modelData.tag === ZuviVideoActions.FavoriteButton && info.actions.favorited)
                     || (modelData.tag === ZuviVideoActions.WatchLaterButton && info.actions.watchLater)
                 objectName: "action" + modelData.tag
+                // Equal shares of the row, whatever the titles.
                 Layout.fillWidth: true
+                Layout.preferredWidth: 1
                 text: selected ? modelData.selectedText : modelData.text
-                checkable: false
-                highlighted: selected
+                // Disabled while an action runs; a selected one stays filled.
                 enabled: !info.actions.inProgress
-                palette.buttonText: selected ? "white" : info.accent
+                contentItem: Label {
+                    text: actionButton.text
+                    horizontalAlignment: Text.AlignHCenter
+                    verticalAlignment: Text.AlignVCenter
+                    elide: Text.ElideRight
+                    color: actionButton.selected ? "white" : info.accent
+                }
+                background: Rectangle {
+                    implicitHeight: 32
+                    radius: 4
+                    opacity: actionButton.enabled ? 1 : 0.55
+                    color: actionButton.selected ? info.accent
+                                                 : (actionButton.pressed ? "#f6dbe6" : "#fdfdfd")
+                    border.color: info.accent
+                }
                 onClicked: info.actions.videoInteractionButtonTapped(modelData.tag)
             }
         }

@@ -15,7 +15,8 @@ Item {
     readonly property ZuviVideoSideContent side: controller.sideContent
     readonly property bool showsComments: side.sideSegment === 1
 
-    implicitHeight: tabs.height + (pane.inline ? list.contentHeight : 0)
+    implicitHeight: tabs.height
+                    + (pane.inline ? (pane.showsComments ? commentList : relatedList).contentHeight : 0)
 
     // The app has a TabBar of its own: this is the controls one.
     Controls.TabBar {
@@ -35,20 +36,35 @@ Item {
         }
     }
 
+    // One list per segment, so switching never hands a row of one kind to
+    // the other's delegate.
     ListView {
-        id: list
-        objectName: pane.showsComments ? "commentList" : "relatedList"
+        id: relatedList
+        objectName: "relatedList"
+        visible: !pane.showsComments
         anchors.top: tabs.bottom
         width: parent.width
         height: pane.inline ? contentHeight : pane.height - tabs.height
         interactive: !pane.inline
         clip: !pane.inline
-        model: pane.showsComments ? pane.side.comments : pane.side.relatedModel
-        delegate: pane.showsComments ? commentDelegate : relatedDelegate
+        model: pane.side.relatedModel
+        delegate: relatedDelegate
+        footer: statusRow
+    }
+    ListView {
+        id: commentList
+        objectName: "commentList"
+        visible: pane.showsComments
+        anchors.top: tabs.bottom
+        width: parent.width
+        height: pane.inline ? contentHeight : pane.height - tabs.height
+        interactive: !pane.inline
+        clip: !pane.inline
+        model: pane.side.comments
+        delegate: commentDelegate
         footer: statusRow
         onContentYChanged: {
-            if (!pane.inline && pane.showsComments
-                    && contentY + height > contentHeight + originY - 160)
+            if (!pane.inline && contentY + height > contentHeight + originY - 160)
                 pane.side.loadNextCommentsIfNeeded()
         }
     }
@@ -79,12 +95,12 @@ Item {
         id: statusRow
         Label {
             objectName: "sideStatusRow"
-            readonly property string statusText: pane.showsComments
-                                                 ? pane.side.commentsStatusText
-                                                 : pane.side.relatedStatusText
+            readonly property bool forComments: ListView.view === commentList
+            readonly property string statusText: forComments ? pane.side.commentsStatusText
+                                                             : pane.side.relatedStatusText
             width: ListView.view ? ListView.view.width : 0
             height: visible ? 44 : 0
-            visible: pane.showsComments ? pane.side.showsCommentStatusRow
+            visible: forComments ? pane.side.showsCommentStatusRow
                                         : statusText.length > 0
             text: statusText.length > 0 ? statusText : "上拉加载更多评论"
             horizontalAlignment: Text.AlignHCenter
