@@ -71,7 +71,12 @@ void TestPlaybackEndFlow::startPlaying()
     s->c->viewWillAppear();
     QTRY_VERIFY(s->lastPlayer());
     QTRY_COMPARE(s->c->sideContent()->relatedVideos().size(), 3);
+    // Related covers wait for the movie, then start a moment after it can play.
+    QVERIFY(!s->c->relatedImagesAllowed());
     s->lastPlayer()->changeLoadState(Player::LoadStatePlayable);
+    QVERIFY(!s->c->relatedImagesAllowed());
+    s->f.scheduler.advance(0.01);
+    QVERIFY(s->c->relatedImagesAllowed());
 }
 
 void TestPlaybackEndFlow::fullscreenEndCountsDownIntoRelatedVideo()
