@@ -14,6 +14,7 @@
 #include "zuvigstreamertuning.h"
 #include "zuvimediamovieplayer.h"
 #include "zuviplaybackendcard.h"
+#include "zuviqualitypreference.h"
 #include "zuvivideoactions.h"
 #include "zuvivideoplayercalls.h"
 #include "zuvivideosidecontent.h"
@@ -26,9 +27,9 @@
 #include <cmath>
 
 const char *const ZuviVideoPlayerViewController::kPreferredQualityModeKey =
-    "ZuviPreferredQualityMode";
+    ZuviQualityPreference::kModeKey;
 const char *const ZuviVideoPlayerViewController::kPreferredQualityModeLegacyMigratedKey =
-    "ZuviPreferredQualityModeLegacyMigrated";
+    ZuviQualityPreference::kLegacyMigratedKey;
 const char *const ZuviVideoPlayerViewController::kDanmakuEnabledKey = "ZuviDanmakuEnabled";
 const char *const ZuviVideoPlayerViewController::kFullscreenDirectionGuideEnabledKey =
     "ZuviFullscreenDirectionGuideEnabled";
@@ -209,47 +210,22 @@ void ZuviVideoPlayerViewController::didReceiveMemoryWarning()
 
 int ZuviVideoPlayerViewController::preferredQualityModeIndex() const
 {
-    const QString key = QString::fromLatin1(kPreferredQualityModeKey);
-    const QString migratedKey = QString::fromLatin1(kPreferredQualityModeLegacyMigratedKey);
-    qint64 value = m_defaults->integerForKey(key);
-    if (!m_defaults->boolForKey(migratedKey)) {
-        // The old preference counted qualities on a longer scale.
-        if (m_defaults->containsKey(key)) {
-            value = value < 2 ? 0 : (value == 2 ? 1 : 2);
-            m_defaults->setInteger(value, key);
-        }
-        m_defaults->setBool(true, migratedKey);
-        m_defaults->synchronize();
-    }
-    return value >= 0 && value <= 2 ? int(value) : 0;
+    return ZuviQualityPreference(m_defaults).modeIndex();
 }
 
 QList<int> ZuviVideoPlayerViewController::currentQualityOrder() const
 {
-    switch (preferredQualityModeIndex()) {
-    case 1:
-        return {32, 64, 16};
-    case 2:
-        return {16, 32, 64};
-    default:
-        return {64, 32, 16};
-    }
+    return ZuviQualityPreference(m_defaults).qualityOrder();
 }
 
 QString ZuviVideoPlayerViewController::currentQualityModeTitle() const
 {
-    return qualityDisplayTitleForQuality(currentQualityOrder().constFirst());
+    return ZuviQualityPreference(m_defaults).modeTitle();
 }
 
 QString ZuviVideoPlayerViewController::qualityDisplayTitleForQuality(int quality)
 {
-    if (quality >= 64)
-        return QStringLiteral("720P");
-    if (quality >= 32)
-        return QStringLiteral("480P");
-    if (quality >= 16)
-        return QStringLiteral("360P");
-    return QStringLiteral("%1p").arg(quality);
+    return ZuviQualityPreference::displayTitleForQuality(quality);
 }
 
 // MARK: - Detail and pages
