@@ -15,7 +15,7 @@ ZuviPlaybackEndCard::ZuviPlaybackEndCard(ZuviScheduler *scheduler,
     // Related videos that arrive while the card is up fill it in, and in
     // fullscreen they start the countdown the card was waiting for.
     connect(sideContent, &ZuviVideoSideContent::relatedChanged, this, [this] {
-        if (!m_visible || m_badgeText == QStringLiteral("正在播放"))
+        if (!m_visible || !m_showsRelated)
             return;
         updateRelatedCard();
         startCountdownIfNeeded();
@@ -33,6 +33,7 @@ void ZuviPlaybackEndCard::show(int reason, bool fullscreen)
     m_autoPlayEnabled = reason != 1;
     m_inFullscreen = fullscreen;
     m_visible = true;
+    m_showsRelated = true;
     updateRelatedCard();
     startCountdownIfNeeded();
 }
@@ -53,6 +54,7 @@ void ZuviPlaybackEndCard::showError(const QString &message)
     m_autoPlayEnabled = false;
     m_visible = true;
     m_inFullscreen = true;
+    m_showsRelated = false;
     setCover(QString(), QString());
     m_badgeText = QStringLiteral("播放失败");
     m_titleText = message;
@@ -66,6 +68,7 @@ void ZuviPlaybackEndCard::showLoadingNextVideo(const ZuviVideoItem &video)
     cancelCountdown();
     m_autoPlayEnabled = true;
     m_inFullscreen = true;
+    m_showsRelated = false;
     m_badgeText = QStringLiteral("正在播放");
     m_titleText = video.title.isEmpty() ? QStringLiteral("未命名视频") : video.title;
     m_metaText = QStringLiteral("正在加载推荐视频，保持全屏播放");
@@ -79,6 +82,7 @@ void ZuviPlaybackEndCard::moveInline()
     cancelCountdown();
     m_inFullscreen = false;
     m_visible = true;
+    m_showsRelated = true;
     updateRelatedCard();
 }
 

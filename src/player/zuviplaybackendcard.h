@@ -83,6 +83,9 @@ private:
     bool m_inFullscreen = false;
     bool m_autoPlayEnabled = true;
     int m_reason = 0;
+    // The card names the related video (not an error, not the next video
+    // loading), so newly arrived related videos may refill it.
+    bool m_showsRelated = false;
     int m_countdownRemaining = 0;
     QString m_badgeText;
     QString m_titleText;

@@ -174,6 +174,11 @@ void TestPlaybackEndFlow::errorEndNeverCountsDown()
     card->showError(QStringLiteral("坏了"));
     QCOMPARE(card->badgeText(), QStringLiteral("播放失败"));
     QVERIFY(!card->isRelatedButtonEnabled());
+    // Related videos arriving later leave the failure on the card.
+    s->c->sideContent()->loadRelatedVideos();
+    QTRY_VERIFY(!s->c->sideContent()->isLoadingRelated());
+    QCOMPARE(card->badgeText(), QStringLiteral("播放失败"));
+    QCOMPARE(card->titleText(), QStringLiteral("坏了"));
     s->f.scheduler.advance(10);
     QCOMPARE(s->c->videoItem().bvid, QStringLiteral("BV1test"));
 }
