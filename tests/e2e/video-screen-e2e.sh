@@ -10,7 +10,8 @@ set -euo pipefail
 build=$(cd "${1:?usage: video-screen-e2e.sh BUILD_DIR OUT_DIR}" && pwd)
 out=${2:?usage: video-screen-e2e.sh BUILD_DIR OUT_DIR}
 root=$(cd "$(dirname "$0")/../.." && pwd)
-port=${OLDZUVI_E2E_PORT:-18471}
+# A free port by default: other runs may share the machine.
+port=${OLDZUVI_E2E_PORT:-0}
 mkdir -p "$out"
 out=$(cd "$out" && pwd)
 rm -f "$out/settings.ini" "$out/endpoints.json"
@@ -22,7 +23,10 @@ service="$build/bin/oldzuvi-demo-service"
   --write-endpoints "$endpoints" >"$out/demo-service.log" 2>&1 &
 service_pid=$!
 trap 'kill $service_pid 2>/dev/null || true; wait $service_pid 2>/dev/null || true' EXIT
-for _ in $(seq 100); do [ -s "$endpoints" ] && break; sleep 0.05; done
+for _ in $(seq 200); do [ -s "$endpoints" ] && break; sleep 0.05; done
+[ -s "$endpoints" ] || { echo "video-screen-e2e: the demo service did not start" >&2; exit 1; }
+# The port the service took, for its confirm command.
+port=$(python3 -c 'import json,sys,urllib.parse; print(urllib.parse.urlparse(json.load(open(sys.argv[1]))["api"]).port)' "$endpoints")
 
 driver=("$build/bin/zuvi-video-screen-e2e" --endpoints "$endpoints" --settings "$out/settings.ini"
   --out "$out")
