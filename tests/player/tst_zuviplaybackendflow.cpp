@@ -1,3 +1,6 @@
+#include "app/zuvinavigationcontroller.h"
+#include "app/zuviunavailableviewcontroller.h"
+#include "browse/zuvivideoscreenopener.h"
 #include "danmaku/zuvidanmakuoverlayview.h"
 #include "player/zuvifastforward.h"
 #include "player/zuviplaybackendcard.h"
@@ -45,6 +48,7 @@ private slots:
 
     void fullscreenEndCountsDownIntoRelatedVideo();
     void inlineEndNeverCountsDown();
+    void inlineRelatedOpensAScreenAndTheEndComesBack();
     void hidingTheEndStopsTheCountdownOnTheNextTick();
     void errorEndNeverCountsDown();
     void longPressPlaysAtDoubleSpeedWhilePlaying();
@@ -145,6 +149,40 @@ void TestPlaybackEndFlow::inlineEndNeverCountsDown()
     QVERIFY(!c->isPlaybackEndVisible());
     QCOMPARE(s->players.size(), 2);
     QCOMPARE(s->lastPlayer()->contentURL(), QUrl("http://127.0.0.1:9/v.mp4"));
+}
+
+void TestPlaybackEndFlow::inlineRelatedOpensAScreenAndTheEndComesBack()
+{
+    answerWithRelated(s->f);
+    ZuviNavigationController navigation(new ZuviUnavailableViewController("推荐"), &s->f.scheduler);
+    QList<QPointer<ZuviVideoPlayerViewController>> screens;
+    ZuviVideoScreenOpener::setFactory([&](const ZuviVideoItem &item, const QString &title) {
+        auto *screen =
+            new ZuviVideoPlayerViewController(item, title, s->f.client.get(), &s->f.scheduler,
+                                              s->f.defaults.get(), [this](QObject *parent) {
+                                                  auto *p = new ZuviScriptedMoviePlayer(parent);
+                                                  s->players.append(p);
+                                                  return p;
+                                              });
+        screens.append(screen);
+        return screen;
+    });
+    QVERIFY(ZuviVideoScreenOpener::open(&navigation, listItem(), QStringLiteral("推荐")));
+    ZuviVideoPlayerViewController *first = screens.first();
+    QTRY_VERIFY(first->moviePlayer());
+    QTRY_COMPARE(first->sideContent()->relatedVideos().size(), 3);
+    s->lastPlayer()->finish(Player::FinishReasonPlaybackEnded);
+    first->playbackEndRelatedTapped();
+    ZuviVideoScreenOpener::setFactory({});
+    QCOMPARE(navigation.depth(), 3);
+    QCOMPARE(screens.size(), 2);
+    QCOMPARE(screens.last()->videoItem().bvid, QStringLiteral("BV1rel0"));
+    QCOMPARE(screens.last()->sourceTitle(), QStringLiteral("相关推荐"));
+    QVERIFY(!first->isPlaybackEndVisible());
+    // Back from the related video, the finished one shows its end again.
+    QVERIFY(navigation.popViewController(true));
+    QVERIFY(first->isPlaybackEndVisible());
+    QVERIFY(!first->isPlaybackEndInFullscreen());
 }
 
 void TestPlaybackEndFlow::hidingTheEndStopsTheCountdownOnTheNextTick()
