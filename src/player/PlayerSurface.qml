@@ -69,13 +69,17 @@ Rectangle {
         }
     }
 
-    PlaybackEndView {
+    // Made only while the card is up: most of the time there is no end.
+    Loader {
         objectName: "playbackEndView"
         // Over the fullscreen picture while the end belongs to it.
         parent: surface.controller.endCard.inFullscreen && movieView.parent ? movieView.parent
                                                                              : surface
         anchors.fill: parent
         z: 10002
-        controller: surface.controller
+        active: surface.controller.endCard.visible
+        sourceComponent: PlaybackEndView {
+            controller: surface.controller
+        }
     }
 }

@@ -47,7 +47,8 @@ Item {
         height: pane.inline ? contentHeight : pane.height - tabs.height
         interactive: !pane.inline
         clip: !pane.inline
-        model: pane.side.relatedModel
+        // A hidden segment holds no rows (nor their pictures).
+        model: pane.showsComments ? null : pane.side.relatedModel
         delegate: relatedDelegate
         footer: statusRow
     }
@@ -60,7 +61,7 @@ Item {
         height: pane.inline ? contentHeight : pane.height - tabs.height
         interactive: !pane.inline
         clip: !pane.inline
-        model: pane.side.comments
+        model: pane.showsComments ? pane.side.comments : []
         delegate: commentDelegate
         footer: statusRow
         onContentYChanged: {
