@@ -28,6 +28,7 @@
 
 #include <QCommandLineParser>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QGuiApplication>
 #include <QProcess>
 #include <QQmlEngine>
@@ -123,8 +124,11 @@ int main(int argc, char **argv)
     auto *presenter = services.presenter;
     ZuviTabBarController *tabs = delegate.rootTabBarController();
     auto demo = [&parser](const QStringList &arguments) {
-        return QProcess::execute(parser.value("demo-service"),
-                                 arguments + QStringList{"--port", parser.value("port")});
+        QProcess process;
+        process.setStandardOutputFile(QProcess::nullDevice());
+        process.start(parser.value("demo-service"),
+                      arguments + QStringList{"--port", parser.value("port")});
+        process.waitForFinished();
     };
     auto shot = [window, outDir](const QString &name) {
         window->grabWindow().save(outDir + "/" + name + ".png");
@@ -133,14 +137,18 @@ int main(int argc, char **argv)
 
     Steps steps;
     if (parser.value("phase") == "restart") {
+        // A refresh of our own: when it ends, the document has been fetched
+        // again and any announcement it caused has been delivered.
+        bool refreshed = false;
+        presenter->remoteConfig()->refreshWithCompletion(
+            [&refreshed](const std::optional<QJsonObject> &, const ZuviError &) {
+                refreshed = true;
+            });
         steps.add(
-            "the configuration is fetched again",
-            [presenter] { return presenter->remoteConfig()->currentConfig().has_value(); }, 20000);
-        steps.add(
-            "a second later still no card", [] { return true; }, 0, [] {});
+            "the configuration is fetched again", [&refreshed] { return refreshed; }, 20000);
         steps.add(
             "no card after a restart", [&card] { return !card(); }, 0);
-        QTimer::singleShot(1000, [&steps] { steps.run(); });
+        steps.run();
         return app.exec();
     }
 
@@ -152,9 +160,11 @@ int main(int argc, char **argv)
         [&] { shot("first-card"); });
     steps.add(
         "知道了 dismisses it", [] { return true; }, 0, [&] { tapDismiss(window, card()); });
+    QElapsedTimer sinceAnnounce;
     steps.add(
         "the card is gone", [&card] { return !card(); }, 2000,
         [&] {
+            sinceAnnounce.start();
             demo({"announce", "运行中发布的第二条通知", "--image",
                   endpoints.remoteConfigSource.section('/', 0, 2) + "/img/pic/banner-2.jpg"});
         });
@@ -163,7 +173,13 @@ int main(int argc, char **argv)
         [&card] {
             return card() && card()->messageText() == QStringLiteral("运行中发布的第二条通知");
         },
-        30000, [&] { shot("announced-card"); });
+        30000,
+        [&] {
+            // How long a running app takes to show an announcement (bounded
+            // by the poll interval of the information keys).
+            out << "     announce to card: " << sinceAnnounce.elapsed() << " ms" << Qt::endl;
+            shot("announced-card");
+        });
     steps.add(
         "知道了 dismisses the second", [] { return true; }, 0, [&] { tapDismiss(window, card()); });
     steps.add(
