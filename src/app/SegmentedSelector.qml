@@ -36,7 +36,8 @@ Rectangle {
                 Text {
                     anchors.centerIn: parent
                     text: parent.modelData
-                    font.pixelSize: 13
+                    // Narrow segments (phones) take a smaller size.
+                    font.pixelSize: selector.segmentWidth < 70 ? 11 : 13
                     color: parent.index === selector.currentIndex ? "white"
                                                                   : ZuviAppearance.accentColor
                 }
