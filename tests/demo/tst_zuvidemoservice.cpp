@@ -260,6 +260,10 @@ void TestZuviDemoService::configurationRevalidates()
     const QJsonObject message = first.json().value("message").toObject();
     QCOMPARE(message.value("version").toInt(), 1);
     QVERIFY(!message.value("text").toString().isEmpty());
+    // The first message's picture is served by this service, on its own port.
+    const QString picture = message.value("image").toString();
+    QVERIFY2(picture.startsWith(m_service->origin() + "/img/pic/"), qPrintable(picture));
+    QCOMPARE(m_client->get(QUrl(picture).path()).response.statusCode, 200);
     const QByteArray etag = first.response.header("ETag");
     const QByteArray lastModified = first.response.header("Last-Modified");
     QVERIFY(!etag.isEmpty() && !lastModified.isEmpty());
