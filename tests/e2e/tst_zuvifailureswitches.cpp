@@ -30,7 +30,9 @@ struct Screen {
     std::function<qsizetype()> videoCount;
 };
 
-constexpr int kTimeoutMs = 400;
+// Long enough for a whole popular page under the sanitizers; a slow switch
+// answers far later.
+constexpr int kTimeoutMs = 2000;
 } // namespace
 
 class TestZuviFailureSwitches : public QObject
