@@ -1,5 +1,7 @@
 #include "zuvisettingsviewcontroller.h"
 
+#include "browse/zuvihotregionsettingsviewcontroller.h"
+#include "browse/zuvihotviewcontroller.h"
 #include "config/zuviremoteconfig.h"
 #include "images/zuviimageloader.h"
 #include "notifications/zuviremoteconfigdebugviewcontroller.h"
@@ -13,8 +15,6 @@
 #include "zuvidebuglogviewcontroller.h"
 #include "zuvinavigationcontroller.h"
 
-#include <QSet>
-
 const char *const ZuviSettingsViewController::kQualityModeKey = "ZuviPreferredQualityMode";
 const char *const ZuviSettingsViewController::kQualityMigratedKey =
     "ZuviPreferredQualityModeLegacyMigrated";
@@ -25,12 +25,6 @@ const char *const ZuviSettingsViewController::kDirectionGuideKey =
 const char *const ZuviSettingsViewController::kVisibleHotRegionKeysKey = "ZuviVisibleHotRegionKeys";
 
 namespace {
-ZuviSettingsViewController::RegionSettingsFactory &regionSettingsFactory()
-{
-    static ZuviSettingsViewController::RegionSettingsFactory factory;
-    return factory;
-}
-
 // A switch whose key was never written is on.
 bool boolDefaultingToTrue(ZuviDefaults *defaults, const char *key)
 {
@@ -68,11 +62,6 @@ ZuviSettingsViewController::Services ZuviSettingsViewController::sharedServices(
     services.remoteConfig = ZuviRemoteConfig::sharedConfig();
     services.presenter = ZuviRemoteNotificationPresenter::sharedPresenter();
     return services;
-}
-
-void ZuviSettingsViewController::setRegionSettingsFactory(RegionSettingsFactory factory)
-{
-    regionSettingsFactory() = std::move(factory);
 }
 
 QUrl ZuviSettingsViewController::pageUrl() const
@@ -163,22 +152,7 @@ QStringList ZuviSettingsViewController::hotSortModeTitles() const
 
 int ZuviSettingsViewController::chosenHotRegionCount(ZuviDefaults *defaults)
 {
-    // The ranking tab's region keys. Stored keys are kept when known and not
-    // repeated; nothing stored means all of them, nothing kept means
-    // "popular" alone.
-    static const QStringList known = {"popular", "all",  "1005", "1008", "1007", "1003",
-                                      "1004",    "1001", "1002", "1010", "1012", "1011",
-                                      "1006",    "1020", "1013", "1014", "1018", "1024"};
-    const QVariant stored = defaults->objectForKey(QString::fromLatin1(kVisibleHotRegionKeysKey));
-    const QVariantList keys = stored.toList();
-    if (keys.isEmpty())
-        return static_cast<int>(known.size());
-    QSet<QString> kept;
-    for (const QVariant &key : keys) {
-        if (key.typeId() == QMetaType::QString && known.contains(key.toString()))
-            kept.insert(key.toString());
-    }
-    return kept.isEmpty() ? 1 : static_cast<int>(kept.size());
+    return static_cast<int>(ZuviHotViewController::visibleHotRegionKeys(defaults).size());
 }
 
 QString ZuviSettingsViewController::regionDetailText() const
@@ -267,8 +241,7 @@ void ZuviSettingsViewController::clearCaches()
 
 void ZuviSettingsViewController::openRegionSettings()
 {
-    if (regionSettingsFactory())
-        push(regionSettingsFactory()());
+    push(new ZuviHotRegionSettingsViewController(m_services.defaults));
 }
 
 void ZuviSettingsViewController::openNotificationHistory()

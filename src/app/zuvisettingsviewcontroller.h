@@ -4,8 +4,6 @@
 
 #include <QStringList>
 
-#include <functional>
-
 class ZuviDebugLog;
 class ZuviDefaults;
 class ZuviImageLoader;
@@ -53,9 +51,6 @@ public:
         ZuviRemoteConfig *remoteConfig = nullptr;
         ZuviRemoteNotificationPresenter *presenter = nullptr;
     };
-    // Makes the region settings screen; the region settings belong to the
-    // ranking tab, which registers this when it is part of the build.
-    using RegionSettingsFactory = std::function<ZuviViewController *()>;
 
     static const char *const kQualityModeKey;
     static const char *const kQualityMigratedKey;
@@ -69,7 +64,6 @@ public:
 
     // The process-wide services.
     static Services sharedServices();
-    static void setRegionSettingsFactory(RegionSettingsFactory factory);
 
     QUrl pageUrl() const override;
     void viewWillAppear() override;

@@ -3,6 +3,7 @@
 #include "app/zuvinavigationcontroller.h"
 #include "app/zuvisettingsviewcontroller.h"
 #include "app/zuviunavailableviewcontroller.h"
+#include "browse/zuvihotregionsettingsviewcontroller.h"
 #include "config/zuviremoteconfig.h"
 #include "net/zuviapiclient.h"
 #include "notifications/zuviremotenotificationhistoryviewcontroller.h"
@@ -71,7 +72,6 @@ private slots:
     {
         presenter.reset();
         config.reset();
-        ZuviSettingsViewController::setRegionSettingsFactory(nullptr);
     }
 
     void qualityMigratesOnce_data()
@@ -167,12 +167,8 @@ private slots:
         ZuviNavigationController stack(new ZuviUnavailableViewController("我的"), scheduler.get());
         stack.pushViewController(settings, false);
 
-        // Without a region settings screen in the build the row does nothing.
         settings->openRegionSettings();
-        QCOMPARE(stack.depth(), 2);
-        ZuviSettingsViewController::setRegionSettingsFactory(
-            [] { return new ZuviUnavailableViewController("分区配置"); });
-        settings->openRegionSettings();
+        QVERIFY(qobject_cast<ZuviHotRegionSettingsViewController *>(stack.topViewController()));
         QCOMPARE(stack.topViewController()->title(), QStringLiteral("分区配置"));
         QVERIFY(stack.topViewController()->hidesBottomBarWhenPushed());
         stack.popViewController(false);
