@@ -2,8 +2,10 @@
 
 #include "browse/zuvivideoscreenopener.h"
 
+#include "app/zuvikeyboardshortcuts.h"
 #include "app/zuvinavigationcontroller.h"
 #include "danmaku/zuvidanmakuoverlayview.h"
+#include "desktop/zuvinowplaying.h"
 #include "net/zuviapiclient.h"
 #include "platform/zuvidefaults.h"
 #include "platform/zuviidiom.h"
@@ -17,6 +19,7 @@
 #include "zuviqualitypreference.h"
 #include "zuvivideoactions.h"
 #include "zuvivideoplayercalls.h"
+#include "zuvivideoscreendesktop.h"
 #include "zuvivideosidecontent.h"
 
 #include <QGuiApplication>
@@ -57,8 +60,11 @@ void ZuviVideoPlayerViewController::openVideosFromLists(ZuviAPIClient *client,
     ZuviVideoScreenOpener::setFactory(
         [client, scheduler, defaults](const ZuviVideoItem &item,
                                       const QString &sourceTitle) -> ZuviViewController * {
-            return new ZuviVideoPlayerViewController(item, sourceTitle, client, scheduler, defaults,
-                                                     mediaPlayerFactory());
+            auto *screen = new ZuviVideoPlayerViewController(item, sourceTitle, client, scheduler,
+                                                             defaults, mediaPlayerFactory());
+            new ZuviVideoScreenDesktop(screen, ZuviNowPlaying::sharedNowPlaying(),
+                                       ZuviKeyboardShortcuts::sharedShortcuts());
+            return screen;
         });
 }
 
