@@ -188,6 +188,21 @@ Rectangle {
                 // Follows the clock except while the user drags it.
                 value: pressed ? value : (root.player ? root.player.currentPlaybackTime || 0 : 0)
                 onMoved: root.controller.seekTo(value)
+
+                // Where the danmaku crowd, along the bar, so the busiest
+                // moments can be seen and jumped to; drawn under the handle
+                // and hidden while there is nothing to count.
+                ZuviDanmakuDensityGraph {
+                    objectName: "danmakuDensity"
+                    z: -1
+                    x: seekBar.leftPadding
+                    width: seekBar.availableWidth
+                    height: 14
+                    anchors.bottom: parent.verticalCenter
+                    overlay: root.controller.danmakuOverlay
+                    duration: root.player ? root.player.duration : 0
+                    color: Qt.rgba(1, 1, 1, 0.5)
+                }
             }
             Label {
                 objectName: "totalLabel"
@@ -204,11 +219,36 @@ Rectangle {
                 text: "弹幕"
             }
             ToolButton {
+                objectName: "danmakuSettingsButton"
+                text: "⚙"
+                palette.buttonText: "white"
+                onClicked: danmakuSettings.open()
+            }
+            ToolButton {
                 objectName: "fullscreenButton"
                 text: root.fullscreen ? "⤡" : "⤢"
                 palette.buttonText: "white"
                 onClicked: root.controller.toggleFullscreen()
             }
+        }
+    }
+
+    // The viewer's danmaku settings, over the whole window so the panel has
+    // room inline as in fullscreen; changes apply to the flying danmaku at once.
+    Popup {
+        id: danmakuSettings
+        objectName: "danmakuSettingsPopup"
+        parent: Overlay.overlay
+        x: parent ? parent.width - width - 16 : 0
+        y: 16
+        width: 360
+        height: parent ? Math.min(560, parent.height - 32) : 560
+        padding: 0
+        modal: false
+        closePolicy: Popup.CloseOnEscape | Popup.CloseOnPressOutside
+        background: null
+        contentItem: DanmakuSettingsPanel {
+            onCloseRequested: danmakuSettings.close()
         }
     }
 }

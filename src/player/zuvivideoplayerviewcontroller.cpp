@@ -89,6 +89,8 @@ ZuviVideoPlayerViewController::ZuviVideoPlayerViewController(
     m_overlay->setParent(this);
     m_overlay->setPadIdiom(ZuviIdiom::isPad());
     m_overlay->setZ(1);
+    // The viewer's look and filters for danmaku, as stored and as changed.
+    m_overlay->followStoredSettings(m_defaults, m_client->notificationCenter());
     m_client->notificationCenter()->addObserver(
         QString::fromLatin1(kDanmakuAPILogNotification), this, [this](const ZuviNotification &n) {
             danmakuAPILogNotification(n.userInfo.value(QStringLiteral("message")).toString());

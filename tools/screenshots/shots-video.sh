@@ -8,3 +8,7 @@ shot video-end-fullscreen pad 1024x768 --scenario video --argument end-fullscree
 shot video-fastforward pad 1024x768 --scenario video --argument fastforward --settle 600
 sign_in video-action-dialog
 shot video-action-dialog pad 1024x768 --scenario video --argument dialog --settle 800
+# The viewer's danmaku settings over a playing video, and the density graph
+# along the seek bar.
+shot danmaku-settings-pad pad 1024x768 --scenario video --argument danmaku-settings --settle 1500
+shot danmaku-density-pad pad 1024x768 --scenario video --argument danmaku-density --settle 1500

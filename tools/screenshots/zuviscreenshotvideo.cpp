@@ -2,7 +2,9 @@
 // SHOT one of side (information, buttons, pages and related list), comments
 // (the comment tab scrolled into view), end-inline, end-fullscreen (the
 // countdown badge up), fastforward (the 2x badge over a playing picture) and
-// dialog (the comment input open). An optional ":N" picks the grid's Nth
+// dialog (the comment input open), danmaku-density (the density graph on the
+// seek bar) and danmaku-settings (the viewer's danmaku panel open over the
+// playing video). An optional ":N" picks the grid's Nth
 // video instead of the first.
 #include "app/zuviappdelegate.h"
 #include "app/zuvinavigationcontroller.h"
@@ -32,6 +34,26 @@ bool sideReady(Controller *c)
 {
     return c && !c->sideContent()->isLoadingRelated() && !c->sideContent()->isLoadingComments() &&
            c->sideContent()->relatedImagesAllowed();
+}
+
+// An item of the visual tree by its objectName: the player's controls are
+// made by loaders, so their items are not QObject children of the window's.
+QQuickItem *findItem(QQuickItem *item, const QString &name)
+{
+    if (item->objectName() == name)
+        return item;
+    for (QQuickItem *child : item->childItems()) {
+        if (QQuickItem *found = findItem(child, name))
+            return found;
+    }
+    return nullptr;
+}
+
+// The density graph along the seek bar has counted the loaded danmaku.
+bool densityShown(QQuickWindow *window)
+{
+    QQuickItem *graph = findItem(window->contentItem(), QStringLiteral("danmakuDensity"));
+    return graph && graph->property("hasData").toBool();
 }
 
 // Brings the inline side pane's comment tab to the top of the page's scroll.
@@ -71,6 +93,18 @@ void runShot(const ZuviScreenshotScenario::Context &context, Controller *c, cons
         ready([c] { return playing(c); },
               [c, save] {
                   c->fastForwardLongPressBegan();
+                  save();
+              },
+              kTimeoutMs);
+    } else if (shot == QLatin1String("danmaku-settings") ||
+               shot == QLatin1String("danmaku-density")) {
+        const bool panel = shot == QLatin1String("danmaku-settings");
+        ready([c, window = context.window] { return playing(c) && densityShown(window); },
+              [save, panel, window = context.window] {
+                  if (panel)
+                      QMetaObject::invokeMethod(
+                          findItem(window->contentItem(), QStringLiteral("danmakuSettingsButton")),
+                          "clicked");
                   save();
               },
               kTimeoutMs);
