@@ -1,6 +1,7 @@
 #include "zuviappdelegate.h"
 
 #include "app/zuvidebuglog.h"
+#include "browse/zuvifollowingviewcontroller.h"
 #include "browse/zuvivideogridviewcontroller.h"
 #include "config/zuviremoteconfig.h"
 #include "config/zuviremoteconfigoptions.h"
@@ -88,8 +89,11 @@ ZuviTabBarController *ZuviAppDelegate::buildRootTabBarController()
                                    QStringLiteral("我的")};
     for (int index = 1; index <= 3; ++index) {
         const QString &title = laterTitles[index - 1];
-        navigationControllerWithRootViewController(new ZuviUnavailableViewController(title), title,
-                                                   index);
+        ZuviViewController *screen =
+            index == 2 ? static_cast<ZuviViewController *>(new ZuviFollowingViewController(
+                             m_services.client, m_services.scheduler))
+                       : new ZuviUnavailableViewController(title);
+        navigationControllerWithRootViewController(screen, title, index);
     }
     m_root->setTintColor(Qt::black);
     m_root->setShouldSelectHandler([this](ZuviNavigationController *controller) {
