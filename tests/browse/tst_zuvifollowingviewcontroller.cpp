@@ -1,5 +1,7 @@
+#include "browse/zuvifollowingcollectionviewcell.h"
 #include "browse/zuvifollowingrowsmodel.h"
 #include "browse/zuvifollowingviewcontroller.h"
+#include "net/zuvifollowingfeedparser.h"
 #include "platform/zuviidiom.h"
 #include "platform/zuvivirtualscheduler.h"
 #include "views/zuvistateview.h"
@@ -354,6 +356,54 @@ private slots:
         QCOMPARE(secondLine.last().toMap().value("index").toInt(), 7);
         model->setColumnCount(3);
         QCOMPARE(model->rowCount(), 5);
+    }
+
+    // What a card shows for the kinds whose look depends on more than the
+    // title: the live room's badge and count, the empty picture post's note,
+    // the text post's words, and which cards open a video.
+    void cardsShowTheirKind()
+    {
+        const auto card = [](const QJsonObject &major, const QJsonObject &desc = {}) {
+            QJsonObject dynamic{{"major", major}};
+            if (!desc.isEmpty())
+                dynamic.insert("desc", desc);
+            return ZuviFollowingCollectionViewCell::configurationForRow(
+                ZuviFollowingFeedParser::rowFromItem(QJsonObject{
+                    {"id_str", "1"},
+                    {"modules", QJsonObject{{"module_author", QJsonObject{{"name", "阿木"}}},
+                                            {"module_dynamic", dynamic}}}}));
+        };
+        const QString liveContent = QString::fromUtf8(
+            QJsonDocument(QJsonObject{{"live_play_info", QJsonObject{{"title", "今晚"},
+                                                                     {"live_status", 1},
+                                                                     {"online", 23456},
+                                                                     {"cover", "//img.test/l.jpg"},
+                                                                     {"area_name", "聊天"}}}})
+                .toJson(QJsonDocument::Compact));
+        const QVariantMap live =
+            card(QJsonObject{{"live_rcmd", QJsonObject{{"content", liveContent}}}});
+        QCOMPARE(live.value("kind").toString(), QStringLiteral("live"));
+        QCOMPARE(live.value("badgeText").toString(), QStringLiteral("直播中"));
+        QVERIFY(live.value("badgeLive").toBool());
+        QCOMPARE(live.value("onlineText").toString(), QStringLiteral("2.3万在线"));
+        QCOMPARE(live.value("coverURL").toString(), QStringLiteral("https://img.test/l.jpg"));
+        QCOMPARE(live.value("authorInitial").toString(), QStringLiteral("阿"));
+        QVERIFY(!live.value("opensVideo").toBool());
+
+        const QVariantMap empty =
+            card(QJsonObject{{"draw", QJsonObject{{"id", 5}, {"items", QJsonArray()}}}});
+        QVERIFY(empty.value("emptyPictures").toBool());
+        QVERIFY(empty.value("imageURLs").toStringList().isEmpty());
+        QVERIFY(empty.value("subtitle").toString().contains(QStringLiteral("图片列表为空")));
+
+        const QVariantMap text = card(QJsonObject(), QJsonObject{{"text", "早上好"}});
+        QCOMPARE(text.value("kind").toString(), QStringLiteral("dynamic"));
+        QCOMPARE(text.value("bodyText").toString(), QStringLiteral("早上好"));
+
+        const QVariantMap video = card(
+            QJsonObject{{"archive", QJsonObject{{"bvid", "BV1xx"}, {"title", "片"}, {"aid", 3}}}});
+        QVERIFY(video.value("opensVideo").toBool());
+        QCOMPARE(video.value("playText").toString(), QStringLiteral("播放 0"));
     }
 
     // The screen goes while its page and its viewport check are under way;

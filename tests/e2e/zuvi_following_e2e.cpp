@@ -296,6 +296,11 @@ int main(int argc, char **argv)
                 if (!view)
                     return false;
                 const bool atEnd = view->property("atYEnd").toBool();
+                g_lastSeen = QString("pages %1, at end %2, loading %3, content %4")
+                                 .arg(pages())
+                                 .arg(atEnd)
+                                 .arg(busy())
+                                 .arg(view->property("contentHeight").toDouble());
                 if (pages() >= 3 && atEnd && !busy())
                     return true;
                 if (!view->property("flicking").toBool())
