@@ -4,7 +4,7 @@
 //                page by offset at the end of the list, and "动态" with posts
 //                alone; signed out: the login card. Saves a picture per step
 //                and exits non-zero at the first step that fails.
-//   --flick      flicks through three pages of the tab (or, with --grid, of
+//   --flick      flicks down through three pages of the tab (or, with --grid, of
 //                the recommended grid) and prints the frame intervals and the
 //                process's peak memory.
 //
@@ -268,10 +268,10 @@ int main(int argc, char **argv)
                 shot("following-dynamic");
             });
     } else if (parser.isSet("flick")) {
-        // Frame intervals while flicking down until three pages are in and
-        // the end of the third is reached.
+        // Frame intervals while flicking down through three pages.
         auto *frames = new QList<qint64>;
         auto *clock = new QElapsedTimer;
+        auto *endOfThird = new double(-1);
         const auto pages = [&] {
             return measureGrid ? grid->currentPage() : following->currentPage();
         };
@@ -291,17 +291,20 @@ int main(int argc, char **argv)
             });
         steps.add(
             "three pages flicked",
-            [&, viewClass] {
+            [&, viewClass, endOfThird] {
                 QQuickItem *view = findView(window, viewClass);
                 if (!view)
                     return false;
-                const bool atEnd = view->property("atYEnd").toBool();
-                g_lastSeen = QString("pages %1, at end %2, loading %3, content %4")
+                // The end of page 3 is where the content ended when that page
+                // came in; the run stops once the view has scrolled past it.
+                if (*endOfThird < 0 && pages() >= 3 && !busy())
+                    *endOfThird = view->property("contentHeight").toDouble();
+                const double bottom = view->property("contentY").toDouble() + view->height();
+                g_lastSeen = QString("pages %1, bottom %2, end of page 3 %3")
                                  .arg(pages())
-                                 .arg(atEnd)
-                                 .arg(busy())
-                                 .arg(view->property("contentHeight").toDouble());
-                if (pages() >= 3 && atEnd && !busy())
+                                 .arg(bottom)
+                                 .arg(*endOfThird);
+                if (*endOfThird > 0 && bottom >= *endOfThird)
                     return true;
                 if (!view->property("flicking").toBool())
                     QMetaObject::invokeMethod(view, "flick", Q_ARG(qreal, 0), Q_ARG(qreal, -2500));
