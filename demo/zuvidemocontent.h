@@ -105,6 +105,8 @@ public:
     static const QList<ZuviDemoRegion> &regions();
     static const QList<ZuviDemoClip> &clips();
     static QString regionName(int rid);
+    // The region's page route on the web site; empty for an unknown rid.
+    static QString regionRoute(int rid);
 
     const QList<ZuviDemoVideo> &videos() const { return m_videos; }
     const QList<ZuviDemoOwner> &owners() const { return m_owners; }

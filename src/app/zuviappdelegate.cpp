@@ -2,9 +2,13 @@
 
 #include "app/zuvidebuglog.h"
 #include "browse/zuvifollowingviewcontroller.h"
+#include "browse/zuvihotviewcontroller.h"
 #include "browse/zuvivideogridviewcontroller.h"
 #include "config/zuviremoteconfig.h"
 #include "config/zuviremoteconfigoptions.h"
+#include "desktop/zuvimprisservice.h"
+#include "desktop/zuvinowplaying.h"
+#include "desktop/zuviscreensaverinhibitor.h"
 #include "images/zuviimageloader.h"
 #include "images/zuviimageprovider.h"
 #include "net/zuviapiclient.h"
@@ -13,13 +17,18 @@
 #include "platform/zuvinotificationcenter.h"
 #include "platform/zuvischeduler.h"
 #include "zuviappearance.h"
+#include "zuviglobalshortcuts.h"
 #include "zuviimageassets.h"
+#include "zuvikeyboardshortcuts.h"
 #include "zuvinavigationcontroller.h"
 #include "zuvitabbarcontroller.h"
 #include "zuviunavailableviewcontroller.h"
+#include "zuviwindowgeometry.h"
 
+#include <QDBusConnection>
 #include <QDir>
 #include <QFile>
+#include <QGuiApplication>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QLoggingCategory>
@@ -27,6 +36,7 @@
 #include <QQmlComponent>
 #include <QQmlEngine>
 #include <QQuickWindow>
+#include <QScreen>
 #include <QStandardPaths>
 
 #ifdef __GLIBC__
@@ -83,18 +93,16 @@ ZuviTabBarController *ZuviAppDelegate::buildRootTabBarController()
             QStringLiteral("推荐"), QStringLiteral("暂无推荐内容。"), m_services.client,
             m_services.scheduler),
         QStringLiteral("推荐"), 0);
-    // The other three tabs get their screens with later parts of the
-    // application; until then they say so.
-    const QString laterTitles[] = {QStringLiteral("热门"), QStringLiteral("关注"),
-                                   QStringLiteral("我的")};
-    for (int index = 1; index <= 3; ++index) {
-        const QString &title = laterTitles[index - 1];
-        ZuviViewController *screen =
-            index == 2 ? static_cast<ZuviViewController *>(new ZuviFollowingViewController(
-                             m_services.client, m_services.scheduler))
-                       : new ZuviUnavailableViewController(title);
-        navigationControllerWithRootViewController(screen, title, index);
-    }
+    navigationControllerWithRootViewController(
+        new ZuviHotViewController(m_services.client, m_services.defaults), QStringLiteral("热门"),
+        1);
+    navigationControllerWithRootViewController(
+        new ZuviFollowingViewController(m_services.client, m_services.scheduler),
+        QStringLiteral("关注"), 2);
+    // The profile tab gets its screen with a later part of the
+    // application; until then it says so.
+    navigationControllerWithRootViewController(
+        new ZuviUnavailableViewController(QStringLiteral("我的")), QStringLiteral("我的"), 3);
     m_root->setTintColor(Qt::black);
     m_root->setShouldSelectHandler([this](ZuviNavigationController *controller) {
         return tabBarControllerShouldSelectViewController(controller);
@@ -239,6 +247,8 @@ ZuviAppDelegate::Services ZuviAppDelegate::sharedServices()
     services.remoteConfig = ZuviRemoteConfig::sharedConfig();
     services.endpoints = ZuviEndpoints::shared();
     services.infoDictionary = bundledInfoDictionary();
+    services.shortcuts = ZuviKeyboardShortcuts::sharedShortcuts();
+    services.nowPlaying = ZuviNowPlaying::sharedNowPlaying();
     return services;
 }
 
@@ -266,17 +276,62 @@ bool ZuviAppDelegate::createWindow(QQmlEngine *engine)
     QQuickWindow::setTextRenderType(QQuickWindow::NativeTextRendering);
     QQmlComponent component(engine,
                             ZuviViewController::modulePageUrl(QStringLiteral("AppWindow.qml")));
-    const QSize size = ZuviIdiom::defaultWindowSize(ZuviIdiom::current());
-    QObject *window =
-        component.createWithInitialProperties({{"appDelegate", QVariant::fromValue(this)},
-                                               {"width", size.width()},
-                                               {"height", size.height()}});
+    if (!component.isReady()) {
+        qCCritical(lcApp).noquote() << component.errorString();
+        return false;
+    }
+    // The window opens where the user left it, else at the idiom's size.
+    QList<QRect> screens;
+    for (const QScreen *screen : QGuiApplication::screens())
+        screens.append(screen->availableGeometry());
+    const QString geometryKey = ZuviWindowGeometry::defaultsKey();
+    const ZuviWindowGeometry::Placement placement = ZuviWindowGeometry::placement(
+        m_services.defaults ? m_services.defaults->stringForKey(geometryKey) : QString(),
+        ZuviIdiom::defaultWindowSize(ZuviIdiom::current()), screens);
+    QVariantMap properties{{"appDelegate", QVariant::fromValue(this)},
+                           {"width", placement.geometry.width()},
+                           {"height", placement.geometry.height()}};
+    if (placement.hasPosition) {
+        properties.insert("x", placement.geometry.x());
+        properties.insert("y", placement.geometry.y());
+    }
+    QObject *window = component.createWithInitialProperties(properties);
     if (!window) {
         qCCritical(lcApp).noquote() << component.errorString();
         return false;
     }
     m_window = window;
+    if (auto *shown = qobject_cast<QWindow *>(window); shown && m_services.defaults) {
+        if (placement.maximized)
+            shown->showMaximized();
+        new ZuviWindowGeometry(shown, m_services.defaults, geometryKey, this);
+    }
+    startKeyboardAndDesktop();
     return true;
+}
+
+void ZuviAppDelegate::startKeyboardAndDesktop()
+{
+    auto *window = qobject_cast<QQuickWindow *>(m_window);
+    if (m_services.shortcuts && window) {
+        m_services.shortcuts->attachToWindow(window);
+        new ZuviGlobalShortcuts(m_services.shortcuts, m_root, this);
+    }
+    if (!m_services.nowPlaying)
+        return;
+    const QDBusConnection bus = QDBusConnection::sessionBus();
+    auto *mpris = new ZuviMprisService(m_services.nowPlaying, bus, this);
+    connect(mpris, &ZuviMprisService::raiseRequested, this, [this] {
+        if (auto *shown = qobject_cast<QWindow *>(m_window)) {
+            shown->show();
+            shown->raise();
+            shown->requestActivate();
+        }
+    });
+    connect(mpris, &ZuviMprisService::quitRequested, qApp, &QCoreApplication::quit,
+            Qt::QueuedConnection);
+    auto *inhibitor = new ZuviScreenSaverInhibitor(bus, this);
+    inhibitor->followNowPlaying(m_services.nowPlaying);
 }
 
 void ZuviAppDelegate::startRemoteConfigNotifications()

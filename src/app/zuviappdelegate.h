@@ -12,12 +12,15 @@
 
 #include <optional>
 Q_MOC_INCLUDE("app/zuvitabbarcontroller.h")
+Q_MOC_INCLUDE("app/zuvikeyboardshortcuts.h")
 
 class QQmlEngine;
 class ZuviAPIClient;
 class ZuviDebugLog;
 class ZuviDefaults;
 class ZuviImageLoader;
+class ZuviKeyboardShortcuts;
+class ZuviNowPlaying;
 class ZuviRemoteConfig;
 struct ZuviRemoteConfigOptions;
 class ZuviNavigationController;
@@ -36,6 +39,7 @@ class ZuviAppDelegate : public QObject
     QML_ELEMENT
     QML_UNCREATABLE("The application has one delegate, made at start-up")
     Q_PROPERTY(ZuviTabBarController *rootTabBarController READ rootTabBarController CONSTANT)
+    Q_PROPERTY(ZuviKeyboardShortcuts *keyboardShortcuts READ keyboardShortcuts CONSTANT)
 
 public:
     struct Services {
@@ -51,6 +55,11 @@ public:
         QVariantMap infoDictionary;
         // Where per-user caches go; empty means the platform's caches folder.
         QString cachesDirectory;
+        // The window's keyboard layer; without one there are no shortcuts.
+        ZuviKeyboardShortcuts *shortcuts = nullptr;
+        // What the desktop's media keys and screen saver follow; without
+        // one the application stays off the session bus.
+        ZuviNowPlaying *nowPlaying = nullptr;
     };
 
     static const char *const kDeveloperModeDidChangeNotification;
@@ -100,11 +109,14 @@ public:
     static Services sharedServices();
 
     ZuviTabBarController *rootTabBarController() const { return m_root; }
+    ZuviKeyboardShortcuts *keyboardShortcuts() const { return m_services.shortcuts; }
     QObject *window() const { return m_window; }
 
 private:
     bool developerModeEnabled() const;
     bool createWindow(QQmlEngine *engine);
+    // The window's keys, and the media keys and screen saver on the desktop.
+    void startKeyboardAndDesktop();
 
     Services m_services;
     ZuviTabBarController *m_root = nullptr;

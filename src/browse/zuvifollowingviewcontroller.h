@@ -46,6 +46,9 @@ public:
     ~ZuviFollowingViewController() override;
 
     QUrl pageUrl() const override;
+    // The feed's bar holds the segments, not a search field; the search
+    // shortcut goes to the recommended tab instead.
+    bool offersSearch() const override { return false; }
 
     // --- State
     QList<ZuviFollowingRow> rows() const { return m_rows; }

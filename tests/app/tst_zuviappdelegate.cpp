@@ -5,6 +5,7 @@
 #include "app/zuvinavigationcontroller.h"
 #include "app/zuvitabbarcontroller.h"
 #include "app/zuviviewcontroller.h"
+#include "browse/zuvihotviewcontroller.h"
 #include "browse/zuvivideogridviewcontroller.h"
 #include "config/zuviremoteconfig.h"
 #include "config/zuviremoteconfigoptions.h"
@@ -113,12 +114,16 @@ private slots:
         QCOMPARE(grid->title(), QStringLiteral("推荐"));
         QCOMPARE(grid->emptyMessage(), QStringLiteral("暂无推荐内容。"));
         QCOMPARE(grid->mode(), ZuviVideoGridViewController::Mode::Recommended);
+        auto *hot =
+            qobject_cast<ZuviHotViewController *>(tabs->viewControllerAt(1)->rootViewController());
+        QVERIFY(hot);
+        QCOMPARE(hot->title(), QStringLiteral("热门"));
         // The later tabs say they are not in this build.
-        QObject *hot = tabs->viewControllerAt(1)->rootViewController();
-        auto *state = hot->property("stateView").value<ZuviStateView *>();
+        QObject *following = tabs->viewControllerAt(2)->rootViewController();
+        auto *state = following->property("stateView").value<ZuviStateView *>();
         QVERIFY(state);
         QCOMPARE(state->mode(), int(ZuviStateView::Empty));
-        QVERIFY(state->message().contains("热门"));
+        QVERIFY(state->message().contains("关注"));
     }
 
     void tabImageNames_data()

@@ -149,6 +149,15 @@ void TestZuviDemoService::rankingFollowsRegion()
     }
     // An unknown region is refused, which sends the client to the older ranking.
     QCOMPARE(m_client->get("/x/web-interface/ranking/v2?rid=4242&type=all").code(), -404);
+    // Asked as the web ranking page asks, a member must be signed in and come
+    // from the region's own ranking page.
+    const QString web = "/x/web-interface/ranking/v2?rid=1008&type=all&web_location=333.934";
+    const ZuviHeaderPairs fromGamePage{{"Referer", "http://web.test/v/popular/rank/game"}};
+    QCOMPARE(m_client->get(web, fromGamePage).code(), -101);
+    signIn(*m_client);
+    QCOMPARE(m_client->get(web, fromGamePage).code(), 0);
+    QCOMPARE(m_client->get(web, {{"Referer", "http://web.test/v/popular/rank/douga"}}).code(),
+             -412);
 }
 
 void TestZuviDemoService::searchPagesWithHighlights()
