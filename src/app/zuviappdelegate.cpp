@@ -12,6 +12,7 @@
 #include "images/zuviimageloader.h"
 #include "images/zuviimageprovider.h"
 #include "net/zuviapiclient.h"
+#include "notifications/zuviremotenotificationpresenter.h"
 #include "platform/zuvidefaults.h"
 #include "platform/zuviidiom.h"
 #include "platform/zuvinotificationcenter.h"
@@ -35,6 +36,7 @@
 #include <QMetaMethod>
 #include <QQmlComponent>
 #include <QQmlEngine>
+#include <QQuickItem>
 #include <QQuickWindow>
 #include <QScreen>
 #include <QStandardPaths>
@@ -63,6 +65,8 @@ ZuviAppDelegate::~ZuviAppDelegate()
 {
     if (m_services.center)
         m_services.center->removeObserver(this);
+    if (m_services.presenter)
+        m_services.presenter->setContainerProvider(nullptr);
     delete m_window;
 }
 
@@ -245,6 +249,7 @@ ZuviAppDelegate::Services ZuviAppDelegate::sharedServices()
     services.log = ZuviDebugLog::sharedLog();
     services.imageLoader = ZuviImageLoader::sharedLoader();
     services.remoteConfig = ZuviRemoteConfig::sharedConfig();
+    services.presenter = ZuviRemoteNotificationPresenter::sharedPresenter();
     services.endpoints = ZuviEndpoints::shared();
     services.infoDictionary = bundledInfoDictionary();
     services.shortcuts = ZuviKeyboardShortcuts::sharedShortcuts();
@@ -259,7 +264,18 @@ QVariantMap ZuviAppDelegate::bundledInfoDictionary()
         qCWarning(lcApp) << "the bundled Info.json is missing";
         return {};
     }
-    return QJsonDocument::fromJson(file.readAll()).object().toVariantMap();
+    QVariantMap info = QJsonDocument::fromJson(file.readAll()).object().toVariantMap();
+    const QString overridePath = qEnvironmentVariable("OLDZUVI_INFO");
+    if (!overridePath.isEmpty()) {
+        QFile overrides(overridePath);
+        if (!overrides.open(QIODevice::ReadOnly))
+            qCWarning(lcApp) << "cannot read the information keys in" << overridePath;
+        const QVariantMap extra =
+            QJsonDocument::fromJson(overrides.readAll()).object().toVariantMap();
+        for (auto it = extra.cbegin(); it != extra.cend(); ++it)
+            info.insert(it.key(), it.value());
+    }
+    return info;
 }
 
 bool ZuviAppDelegate::createWindow(QQmlEngine *engine)
@@ -307,6 +323,13 @@ bool ZuviAppDelegate::createWindow(QQmlEngine *engine)
         new ZuviWindowGeometry(shown, m_services.defaults, geometryKey, this);
     }
     startKeyboardAndDesktop();
+    if (m_services.presenter) {
+        // Messages cover the whole window, above every tab and screen.
+        QPointer<QQuickWindow> quickWindow = qobject_cast<QQuickWindow *>(window);
+        m_services.presenter->setContainerProvider([quickWindow]() -> QQuickItem * {
+            return quickWindow ? quickWindow->contentItem() : nullptr;
+        });
+    }
     return true;
 }
 
@@ -341,7 +364,10 @@ void ZuviAppDelegate::startRemoteConfigNotifications()
         return;
     // Starting again replaces the running generation, so a developer-mode
     // change switches source and cache folder in one step.
-    m_services.remoteConfig->startWithOptions(remoteConfigOptions());
+    if (m_services.presenter)
+        m_services.presenter->startWithOptions(remoteConfigOptions());
+    else
+        m_services.remoteConfig->startWithOptions(remoteConfigOptions());
 }
 
 ZuviRemoteConfigOptions ZuviAppDelegate::remoteConfigOptions() const

@@ -22,6 +22,7 @@ class ZuviImageLoader;
 class ZuviKeyboardShortcuts;
 class ZuviNowPlaying;
 class ZuviRemoteConfig;
+class ZuviRemoteNotificationPresenter;
 struct ZuviRemoteConfigOptions;
 class ZuviNavigationController;
 class ZuviNotificationCenter;
@@ -51,6 +52,9 @@ public:
         ZuviImageLoader *imageLoader = nullptr;
         // Started with the bundled sources; nothing is started without one.
         ZuviRemoteConfig *remoteConfig = nullptr;
+        // Shows the configuration's messages over the window and starts the
+        // service; without one the service is started directly.
+        ZuviRemoteNotificationPresenter *presenter = nullptr;
         ZuviEndpoints endpoints;
         QVariantMap infoDictionary;
         // Where per-user caches go; empty means the platform's caches folder.
@@ -103,7 +107,9 @@ public:
     // Settings of the process itself, made first thing in main(), before
     // any thread starts.
     static void prepareProcess();
-    // The information keys bundled with the application (Info.json).
+    // The information keys bundled with the application (Info.json), with
+    // the keys of the JSON file named by $OLDZUVI_INFO laid over them (the
+    // demo polls its configuration far more often than a deployment).
     static QVariantMap bundledInfoDictionary();
     // The process-wide services, as the running application uses them.
     static Services sharedServices();

@@ -75,18 +75,63 @@ Rectangle {
         }
     }
 
+    // Whether a press at this point (in this view) is on one of the
+    // player's own controls: those never start a gesture on the picture.
+    function onControl(position) {
+        for (const item of [controls, doneButton]) {
+            if (item.visible && item.contains(item.mapFromItem(root, position)))
+                return true
+        }
+        return false
+    }
+
+    // Held down, the movie plays at double speed; let go, at its old rate.
+    TapHandler {
+        id: longPress
+        objectName: "fastForwardPress"
+        longPressThreshold: 0.35
+        property bool fastForwarding: false
+        onLongPressed: {
+            if (!root.controller.fastForwardLongPressShouldBegin(root.onControl(point.pressPosition)))
+                return
+            fastForwarding = true
+            root.controller.fastForwardLongPressBegan()
+        }
+        onPressedChanged: {
+            if (!pressed && fastForwarding) {
+                fastForwarding = false
+                root.controller.fastForwardLongPressEnded()
+            }
+        }
+        onCanceled: {
+            if (fastForwarding) {
+                fastForwarding = false
+                root.controller.fastForwardLongPressEnded()
+            }
+        }
+    }
+
     // A swipe to the right that starts at the left edge leaves fullscreen.
     DragHandler {
         id: edgePan
         enabled: root.fullscreen
         target: null
         xAxis.enabled: true
-        yAxis.enabled: false
+        yAxis.enabled: true
         property bool fromEdge: false
         onActiveChanged: {
             if (active) {
-                fromEdge = centroid.pressPosition.x
-                        <= root.controller.fullscreenEdgeZoneWidth(root.width)
+                // The first movement tells the direction when the speed
+                // is not known yet.
+                const moved = Qt.point(centroid.position.x - centroid.pressPosition.x,
+                                       centroid.position.y - centroid.pressPosition.y)
+                const vx = centroid.velocity.x !== 0 ? centroid.velocity.x : moved.x
+                const vy = centroid.velocity.y !== 0 ? centroid.velocity.y : moved.y
+                fromEdge = root.controller.fullscreenEdgePanShouldBegin(
+                            centroid.pressPosition.x, root.width, vx, vy,
+                            root.onControl(centroid.pressPosition))
+                if (fromEdge)
+                    root.controller.fastForwardLongPressEnded()
                 return
             }
             if (fromEdge)
@@ -99,6 +144,7 @@ Rectangle {
 
     // Done leaves fullscreen; the player reports it as the user's exit.
     Button {
+        id: doneButton
         objectName: "doneButton"
         visible: root.fullscreen
         text: "完成"

@@ -177,7 +177,8 @@ private slots:
         QCOMPARE(second->reselections, 0);
         QCOMPARE(first->reselections, 2);
         // A screen without the operation is simply left alone.
-        delegate.notifyTabReselectedForViewController(new PlainScreen);
+        PlainScreen plain;
+        delegate.notifyTabReselectedForViewController(&plain);
     }
 
     void remoteConfigSource_data()

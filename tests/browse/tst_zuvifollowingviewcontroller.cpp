@@ -6,6 +6,7 @@
 #include "platform/zuvivirtualscheduler.h"
 #include "views/zuvistateview.h"
 #include "zuvibrowsetestfeed.h"
+#include "zuviscreenlifetimecheck.h"
 
 #include <QAbstractItemModelTester>
 #include <QtTest>
@@ -406,26 +407,33 @@ private slots:
         QCOMPARE(video.value("playText").toString(), QStringLiteral("播放 0"));
     }
 
-    // The screen goes while its page and its viewport check are under way;
-    // the answer and the clock then find nothing to touch.
+    // The screen goes while its page is out, or while the viewport check
+    // is pending; the answers and the clocks then find nothing to touch.
+    void destroyedWithWorkOutstanding_data()
+    {
+        QTest::addColumn<bool>("pageOut");
+        QTest::newRow("page out") << true;
+        QTest::newRow("viewport check pending") << false;
+    }
     void destroyedWithWorkOutstanding()
     {
+        QFETCH(bool, pageOut);
         service.server.setAnswer("GET", kFeedPath,
-                                 ZuviBrowseTestService::serviceError("late", 200));
+                                 feedAnswer({videoPost("1")}, true, "o1", pageOut ? 200 : 0));
+        ZuviScreenLifetimeCheck check(&service.server, service.client.get(),
+                                      {scheduler.get(), &service.clientClock});
         open();
-        QVERIFY(screen->isLoading());
+        QVERIFY2(check.waitForRequests(1), qPrintable(check.failure()));
+        if (pageOut) {
+            QVERIFY(screen->isLoading());
+        } else {
+            waitForIdle();
+            // An empty-looking grid: the pending check would load page 2.
+            screen->gridDidScroll(600, 0, 0, 0);
+        }
         tester.reset();
-        screen.reset();
-        waitForFailedAnswers(1);
-
-        service.server.setAnswer("GET", kFeedPath, feedAnswer({videoPost("1")}, true, "o1"));
-        open();
-        waitForIdle();
-        screen->gridDidScroll(600, 0, 0, 0);
-        tester.reset();
-        screen.reset();
-        scheduler->advance(1);
-        QCOMPARE(service.server.requestCount(kFeedPath), 2);
+        QVERIFY2(check.destroyAndDrain(screen.release()), qPrintable(check.failure()));
+        QCOMPARE(check.requestsAfterDestruction(), 0);
     }
 };
 

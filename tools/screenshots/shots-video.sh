@@ -1,0 +1,10 @@
+# The video screen's pictures, from a real run against the demo service
+# (sourced by take-screenshots.sh, which defines shot and sign_in).
+shot video-side-pad pad 1024x768 --scenario video --argument side --settle 2500
+shot video-comments-phone phone 320x568 --scenario video --argument comments --settle 1500
+shot video-end-inline pad 1024x768 --scenario video --argument end-inline --settle 1500
+# Shortly after the end, while the countdown badge still counts.
+shot video-end-fullscreen pad 1024x768 --scenario video --argument end-fullscreen --settle 900
+shot video-fastforward pad 1024x768 --scenario video --argument fastforward --settle 600
+sign_in video-action-dialog
+shot video-action-dialog pad 1024x768 --scenario video --argument dialog --settle 800
