@@ -89,7 +89,7 @@ class ZuviDemoContent
 public:
     static constexpr int kVideoCount = 300;
     static constexpr int kOwnerCount = 48;
-    static constexpr int kFeedItemCount = 100;
+    static constexpr int kFeedItemCount = 200;
     static constexpr int kFeedPageSize = 20;
     static constexpr int kSearchPageSize = 20;
     // The signed-in demo account.
@@ -98,7 +98,8 @@ public:
     explicit ZuviDemoContent(quint64 seed);
 
     quint64 seed() const { return m_seed; }
-    void setOrigin(const QString &origin) { m_origin = origin; }
+    // The feed is made again, because its items carry absolute addresses.
+    void setOrigin(const QString &origin);
     QString origin() const { return m_origin; }
 
     static const QList<ZuviDemoRegion> &regions();

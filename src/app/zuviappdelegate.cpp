@@ -1,6 +1,7 @@
 #include "zuviappdelegate.h"
 
 #include "app/zuvidebuglog.h"
+#include "browse/zuvifollowingviewcontroller.h"
 #include "browse/zuvihotviewcontroller.h"
 #include "browse/zuvivideogridviewcontroller.h"
 #include "config/zuviremoteconfig.h"
@@ -99,14 +100,13 @@ ZuviTabBarController *ZuviAppDelegate::buildRootTabBarController()
     navigationControllerWithRootViewController(
         new ZuviHotViewController(m_services.client, m_services.defaults), QStringLiteral("热门"),
         1);
-    // The other two tabs get their screens with later parts of the
-    // application; until then they say so.
-    const QString laterTitles[] = {QStringLiteral("关注"), QStringLiteral("我的")};
-    for (int index = 2; index <= 3; ++index) {
-        const QString &title = laterTitles[index - 2];
-        navigationControllerWithRootViewController(new ZuviUnavailableViewController(title), title,
-                                                   index);
-    }
+    navigationControllerWithRootViewController(
+        new ZuviFollowingViewController(m_services.client, m_services.scheduler),
+        QStringLiteral("关注"), 2);
+    // The profile tab gets its screen with a later part of the
+    // application; until then it says so.
+    navigationControllerWithRootViewController(
+        new ZuviUnavailableViewController(QStringLiteral("我的")), QStringLiteral("我的"), 3);
     m_root->setTintColor(Qt::black);
     m_root->setShouldSelectHandler([this](ZuviNavigationController *controller) {
         return tabBarControllerShouldSelectViewController(controller);

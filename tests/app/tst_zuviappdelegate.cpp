@@ -5,6 +5,7 @@
 #include "app/zuvinavigationcontroller.h"
 #include "app/zuvitabbarcontroller.h"
 #include "app/zuviviewcontroller.h"
+#include "browse/zuvifollowingviewcontroller.h"
 #include "browse/zuvihotviewcontroller.h"
 #include "browse/zuvivideogridviewcontroller.h"
 #include "config/zuviremoteconfig.h"
@@ -118,12 +119,16 @@ private slots:
             qobject_cast<ZuviHotViewController *>(tabs->viewControllerAt(1)->rootViewController());
         QVERIFY(hot);
         QCOMPARE(hot->title(), QStringLiteral("热门"));
-        // The later tabs say they are not in this build.
-        QObject *following = tabs->viewControllerAt(2)->rootViewController();
-        auto *state = following->property("stateView").value<ZuviStateView *>();
+        auto *following = qobject_cast<ZuviFollowingViewController *>(
+            tabs->viewControllerAt(2)->rootViewController());
+        QVERIFY(following);
+        QCOMPARE(following->title(), QStringLiteral("关注"));
+        // The profile tab says it is not in this build.
+        QObject *profile = tabs->viewControllerAt(3)->rootViewController();
+        auto *state = profile->property("stateView").value<ZuviStateView *>();
         QVERIFY(state);
         QCOMPARE(state->mode(), int(ZuviStateView::Empty));
-        QVERIFY(state->message().contains("关注"));
+        QVERIFY(state->message().contains("我的"));
     }
 
     void tabImageNames_data()

@@ -4,6 +4,7 @@
 #include "app/zuvikeyboardshortcuts.h"
 #include "app/zuvitabbarcontroller.h"
 #include "app/zuviunavailableviewcontroller.h"
+#include "browse/zuvifollowingviewcontroller.h"
 #include "browse/zuvihotregionsettingsviewcontroller.h"
 #include "browse/zuvihotviewcontroller.h"
 #include "browse/zuvisearchresultsviewcontroller.h"
@@ -17,6 +18,9 @@
 #include "zuvitesthttpserver.h"
 #include "zuvitestsupport.h"
 
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QQmlComponent>
 #include <QQmlEngine>
 #include <QQmlExtensionPlugin>
@@ -198,6 +202,45 @@ private slots:
         QTest::mouseRelease(&window, Qt::LeftButton, {}, grip + QPoint(0, 88));
         QTRY_COMPARE(ZuviHotViewController::visibleHotRegionKeys(defaults.get()),
                      (QStringList{"1005", "1008", "popular"}));
+    }
+
+    // The feed with a card of each kind it draws differently, signed in.
+    void followingPage_data()
+    {
+        QTest::addColumn<bool>("pad");
+        QTest::newRow("pad") << true;
+        QTest::newRow("phone") << false;
+    }
+    void followingPage()
+    {
+        QFETCH(bool, pad);
+        ZuviIdiom::setCurrent(pad ? ZuviIdiom::Pad : ZuviIdiom::Phone);
+        defaults.get()->setString(QStringLiteral("SESSDATA=s; DedeUserID=42"),
+                                  QString::fromLatin1(ZuviAPIClient::kCredentialCookieKey));
+        const auto item = [](const QString &id, const QJsonObject &major) {
+            return QJsonObject{
+                {"id_str", id},
+                {"modules", QJsonObject{{"module_author", QJsonObject{{"name", "阿木"}}},
+                                        {"module_dynamic", QJsonObject{{"major", major}}}}}};
+        };
+        const QJsonArray items{
+            item("1", {{"archive", QJsonObject{{"bvid", "BV1a"}, {"title", "片"}}}}),
+            item("2",
+                 {{"draw", QJsonObject{{"items", QJsonArray{QJsonObject{{"src", "x.jpg"}}}}}}}),
+            item("3", {{"draw", QJsonObject{{"items", QJsonArray()}}}}),
+            item("4", {{"article", QJsonObject{{"title", "文"}, {"covers", QJsonArray{"y.jpg"}}}}}),
+            item("5", {})};
+        server.setAnswer(
+            "GET", "/x/polymer/web-dynamic/v1/feed/all",
+            ZuviScriptedAnswer::json(
+                QJsonDocument(QJsonObject{{"code", 0}, {"data", QJsonObject{{"items", items}}}})
+                    .toJson()));
+        ZuviFollowingViewController following(client.get(), &scheduler);
+        following.loadViewIfNeeded();
+        QTRY_VERIFY(!following.rows().isEmpty());
+        loadPage(&following, ZuviIdiom::defaultWindowSize(ZuviIdiom::current()));
+        defaults.get()->setString(QString(),
+                                  QString::fromLatin1(ZuviAPIClient::kCredentialCookieKey));
     }
 
     void debugLogPage()
