@@ -68,6 +68,8 @@ private slots:
         window = std::make_unique<QQuickWindow>();
         auto *root = qobject_cast<QQuickItem *>(component.create());
         QVERIFY2(root, qPrintable(component.errorString()));
+        // The window owns the item too, so it goes with the window.
+        root->setParent(window->contentItem());
         root->setParentItem(window->contentItem());
         field = root->findChild<QQuickItem *>("field");
         window->resize(200, 100);
