@@ -1,5 +1,6 @@
 // Costs of the danmaku overlay: the engine's tick over a long dense replay
-// (with the heap allocations made in steady state), configuring one label
+// (with the heap allocations made in steady state), at the default settings
+// and with every viewer setting moved, configuring one label
 // (measure and rasterise), the tick right after a seek that fills the
 // screen, and the render-thread time of a frame with a full screen of labels.
 //
@@ -166,7 +167,8 @@ double percentile(std::vector<double> values, double fraction)
 
 // 100 000 items over 20 minutes, replayed at 60 ticks per second on a
 // 1920×1080 pad overlay; flights run on a flight clock moved with playback.
-static void BM_DanmakuReplayTick(benchmark::State &state)
+// The viewer's settings are applied before the replay, as when a video loads.
+static void replayTicks(benchmark::State &state, const ZuviDanmakuSettings &settings)
 {
     const QList<ZuviDanmakuItem> items = denseDocument(100000, 1200);
     const int ticks = 1200 * 60;
@@ -179,6 +181,7 @@ static void BM_DanmakuReplayTick(benchmark::State &state)
         ZuviDanmakuEngine engine(
             ZuviIdiom::Pad, [&wall] { return wall; }, xorshift, approximateSize);
         engine.setViewSize(QSizeF(1920, 1080));
+        engine.setDanmakuSettings(settings);
         engine.setDanmakuItems(items);
         allocationCount = 0;
         for (int tick = 0; tick < ticks; ++tick) {
@@ -208,7 +211,36 @@ static void BM_DanmakuReplayTick(benchmark::State &state)
     state.counters["late"] = double(counters.late);
     state.counters["never_drawn"] = double(counters.hidden);
 }
+
+// Every setting at its default: the overlay as it always was.
+static void BM_DanmakuReplayTick(benchmark::State &state)
+{
+    replayTicks(state, ZuviDanmakuSettings());
+}
 BENCHMARK(BM_DanmakuReplayTick)->Unit(benchmark::kMillisecond)->Iterations(3);
+
+// Every setting moved: 50 block rules (10 expressions), merged repeats, no
+// bottom items, 60 % opacity, 120 % text, 1.5× speed, three quarters of
+// the lanes. The filtering happens once, before the ticks; the ticks walk
+// the shorter kept list.
+static void BM_DanmakuReplayTickFiltered(benchmark::State &state)
+{
+    QStringList rules;
+    for (int i = 0; i < 40; ++i)
+        rules.append(i % 10 == 0 ? sampleTexts().at(i / 10) : QStringLiteral("屏蔽%1").arg(i));
+    for (int i = 0; i < 10; ++i)
+        rules.append(QStringLiteral("/^%1[0-9]*$/").arg(i));
+    ZuviDanmakuSettings settings;
+    settings.blockListText = rules.join('\n');
+    settings.mergesRepeats = true;
+    settings.showsBottom = false;
+    settings.opacityPercent = 60;
+    settings.textScalePercent = 120;
+    settings.speed = 1.5;
+    settings.displayArea = ZuviDanmakuSettings::ThreeQuartersArea;
+    replayTicks(state, settings);
+}
+BENCHMARK(BM_DanmakuReplayTickFiltered)->Unit(benchmark::kMillisecond)->Iterations(3);
 
 // Measuring and rasterising one label, as every launch does.
 static void BM_DanmakuConfigureLabel(benchmark::State &state)

@@ -41,7 +41,9 @@ for _ in $(seq 100); do
 done
 
 if [ -x "$app" ]; then
-  "$app" --endpoints "$endpoints" "$@"
+  # The demo asks for its configuration every 20 s, so an announced message
+  # shows in the running app within half a minute.
+  OLDZUVI_INFO="$(dirname "$0")/Info-demo.json" "$app" --endpoints "$endpoints" "$@"
   exit $?
 fi
 
@@ -55,7 +57,7 @@ http://127.0.0.1:$port until you press Ctrl-C. Things to try:
   $cli --endpoints $endpoints danmaku --summary --cid CID   (CID: the "cid" of any listed video)
   $cli --endpoints $endpoints login          (then: $service confirm --port $port)
   curl http://127.0.0.1:$port/config/remote_config.json
-  $service announce "新消息" --port $port
+  $service announce "新消息" [--image URL] --port $port
   $service fail /x/web-interface/popular code:-500 --port $port
   $service state --port $port
 

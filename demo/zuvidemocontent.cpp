@@ -99,6 +99,15 @@ QString ZuviDemoContent::regionName(int rid)
     return QStringLiteral("全站");
 }
 
+QString ZuviDemoContent::regionRoute(int rid)
+{
+    for (const ZuviDemoRegion &region : regions()) {
+        if (region.rid == rid)
+            return region.route;
+    }
+    return QString();
+}
+
 void ZuviDemoContent::makeOwners()
 {
     for (int i = 0; i < kOwnerCount; ++i) {

@@ -89,7 +89,7 @@ class ZuviDemoContent
 public:
     static constexpr int kVideoCount = 300;
     static constexpr int kOwnerCount = 48;
-    static constexpr int kFeedItemCount = 100;
+    static constexpr int kFeedItemCount = 200;
     static constexpr int kFeedPageSize = 20;
     static constexpr int kSearchPageSize = 20;
     // The signed-in demo account.
@@ -98,12 +98,15 @@ public:
     explicit ZuviDemoContent(quint64 seed);
 
     quint64 seed() const { return m_seed; }
-    void setOrigin(const QString &origin) { m_origin = origin; }
+    // The feed is made again, because its items carry absolute addresses.
+    void setOrigin(const QString &origin);
     QString origin() const { return m_origin; }
 
     static const QList<ZuviDemoRegion> &regions();
     static const QList<ZuviDemoClip> &clips();
     static QString regionName(int rid);
+    // The region's page route on the web site; empty for an unknown rid.
+    static QString regionRoute(int rid);
 
     const QList<ZuviDemoVideo> &videos() const { return m_videos; }
     const QList<ZuviDemoOwner> &owners() const { return m_owners; }

@@ -53,7 +53,7 @@ QJsonObject ZuviDemoContent::feedLiveItem(int index, int ownerIndex, qint64 time
 {
     ZuviDemoRandom random(m_seed, FeedStream, 10000 + index);
     const ZuviDemoOwner &owner = m_owners.at(ownerIndex);
-    const bool live = index % 2 == 0;
+    const bool live = (index / kFeedPageSize) % 2 == 0;
     const QJsonObject playInfo{
         {"title", owner.name + "的直播间：" + (live ? "今晚一起玩" : "明天见")},
         {"room_id", 21000000 + index},
@@ -112,15 +112,16 @@ QJsonObject ZuviDemoContent::feedArticleItem(int index, int ownerIndex, qint64 t
 
 QJsonObject ZuviDemoContent::feedDrawItem(int index, int ownerIndex, qint64 time) const
 {
-    // Picture posts with no picture, one, several and more than the four a
-    // card shows (one of them twice).
-    const int pictureCount = index % 5 == 0 ? 0 : index % 5 == 1 ? 1 : index % 5 == 2 ? 3 : 7;
+    // Picture posts with three pictures, more than the four a card shows
+    // (one of them twice), one, and none, changing from page to page.
+    const int variant = (index / kFeedPageSize) % 4;
+    const int pictureCount = variant == 0 ? 3 : variant == 1 ? 7 : variant == 2 ? 1 : 0;
     QJsonArray pictures;
     for (int i = 0; i < pictureCount; ++i) {
         const QString key = QStringLiteral("draw-%1-%2").arg(index).arg(i == 6 ? 0 : i);
         pictures.append(QJsonObject{{"src", pictureURL(key)}, {"width", 800}, {"height", 600}});
     }
-    const bool silent = pictureCount == 0 && index % 2 == 0;
+    const bool silent = pictureCount == 0 && (index / kFeedPageSize) % 8 == 3;
     const QJsonObject desc{
         {"text", silent ? QString() : QStringLiteral("分享图片 %1 张").arg(pictureCount)},
         {"rich_text_nodes", QJsonArray()}};
@@ -169,17 +170,36 @@ QJsonObject ZuviDemoContent::feedTextItem(int index, int ownerIndex, qint64 time
     return item;
 }
 
+void ZuviDemoContent::setOrigin(const QString &origin)
+{
+    m_origin = origin;
+    makeFeed();
+}
+
 void ZuviDemoContent::makeFeed()
 {
-    // The demo account follows the first twenty uploaders.
+    // The demo account follows the first twenty uploaders. Each page of
+    // the feed starts with one post of every other kind among the videos,
+    // so the first screen shows all five; the rest of a page is videos, so
+    // a list of posts alone fills slowly and has to keep fetching.
+    m_feed = QJsonArray();
     qint64 time = kEpoch - 600;
     for (int i = 0; i < kFeedItemCount; ++i) {
         ZuviDemoRandom random(m_seed, FeedStream, i);
         const int ownerIndex = random.below(20);
         time -= random.between(300, 4 * 3600);
-        const int kind = i % 10;
+        const int place = i % kFeedPageSize;
         QJsonObject item;
-        if (kind < 5) {
+        if (place == 1) {
+            item = feedLiveItem(i, ownerIndex, time);
+        } else if (place == 3) {
+            item = feedArticleItem(i, ownerIndex, time);
+        } else if (place == 5) {
+            item = feedDrawItem(i, ownerIndex, time);
+        } else if (place == 7) {
+            // Every other page's text post forwards another.
+            item = feedTextItem(i, ownerIndex, time, (i / kFeedPageSize) % 2 == 1);
+        } else {
             // A video of that uploader, or any video when they have none.
             int found = random.below(kVideoCount);
             for (int v = 0; v < kVideoCount; ++v) {
@@ -189,14 +209,6 @@ void ZuviDemoContent::makeFeed()
                 }
             }
             item = feedVideoItem(i, m_videos.at(found), time);
-        } else if (kind == 5) {
-            item = feedLiveItem(i, ownerIndex, time);
-        } else if (kind == 6) {
-            item = feedArticleItem(i, ownerIndex, time);
-        } else if (kind == 7 || kind == 8) {
-            item = feedDrawItem(i, ownerIndex, time);
-        } else {
-            item = feedTextItem(i, ownerIndex, time, i % 20 == 9);
         }
         m_feed.append(item);
     }

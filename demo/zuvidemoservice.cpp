@@ -39,6 +39,9 @@ bool ZuviDemoService::start(quint16 port, QString *errorText)
     if (!m_server.listen(port, errorText))
         return false;
     m_content.setOrigin(origin());
+    // The first message's picture lives on this service, whose address is
+    // only known now; a stored state attached next keeps its own messages.
+    m_state.seedMessages();
     if (!m_options.dataDirectory.isEmpty() &&
         !m_state.attachDirectory(m_options.dataDirectory, errorText))
         return false;

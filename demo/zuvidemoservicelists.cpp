@@ -35,6 +35,16 @@ ZuviDemoResponse ZuviDemoService::ranking(const ZuviDemoRequest &request)
     const int rid = clamped(request.queryValue("rid"), 0, -1, 100000);
     if (rid != 0 && ZuviDemoContent::regionName(rid) == QStringLiteral("全站"))
         return fail(kNotFound, QStringLiteral("分区不存在"));
+    // Asked the way the ranking page of the web site asks (with its page
+    // location), the ranking wants a signed-in member coming from that
+    // region's own ranking page.
+    if (request.queryValue("web_location").size() > 0) {
+        if (!sessionOf(request))
+            return fail(kNotLoggedIn, QStringLiteral("账号未登录"));
+        const QString route = rid == 0 ? QStringLiteral("all") : ZuviDemoContent::regionRoute(rid);
+        if (!QString::fromUtf8(request.header("Referer")).endsWith("/v/popular/rank/" + route))
+            return fail(kDeviceUnknown, QStringLiteral("请求被拦截：来源页面不符"));
+    }
     const int size = clamped(request.queryValue("ps"), 100, 1, 100);
     QJsonArray list;
     for (int index : m_content.ranking(rid, size))

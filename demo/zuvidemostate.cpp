@@ -75,6 +75,11 @@ ZuviDemoState::ZuviDemoState(const ZuviDemoContent *content, double qrLifetimeSe
     : m_content(content), m_qrLifetime(qrLifetimeSeconds)
 {
     seedLists();
+    seedMessages();
+}
+
+void ZuviDemoState::seedMessages()
+{
     const qint64 now = QDateTime::currentSecsSinceEpoch();
     m_mainMessage = {
         1,

@@ -104,6 +104,9 @@ public:
     // --- Configuration documents ("main" and "dev")
     const ZuviDemoConfigMessage &configMessage(bool developer) const;
     int announce(bool developer, const QString &text, const QString &image, qint64 at);
+    // The first message of each document, version 1; the main one carries a
+    // picture of the service's own.
+    void seedMessages();
 
 private:
     void seedLists();

@@ -43,4 +43,12 @@ Window {
         anchors.bottom: parent.bottom
         visible: !window.bottomBarHidden && window.tabs.tabBarVisible
     }
+
+    Loader {
+        anchors.fill: parent
+        active: window.appDelegate.keyboardShortcuts !== null
+        sourceComponent: KeyboardHelpOverlay {
+            shortcuts: window.appDelegate.keyboardShortcuts
+        }
+    }
 }

@@ -12,6 +12,7 @@ Item {
 
     function clear() { input.text = "" }
     function dismissKeyboard() { input.focus = false }
+    function takeFocus() { input.forceActiveFocus() }
 
     implicitHeight: 36
     implicitWidth: 200

@@ -73,6 +73,9 @@ int main(int argc, char *argv[])
     QGuiApplication app(argc, argv);
     QGuiApplication::setApplicationName(QStringLiteral("oldzuvi"));
     QGuiApplication::setOrganizationName(QStringLiteral("oldzuvi"));
+    // The installed desktop entry's name: window managers group the window
+    // under its icon, and media widgets find the entry through it.
+    QGuiApplication::setDesktopFileName(QStringLiteral("org.oldzuvi.oldzuvi"));
     options.apply();
 
     const ZuviAppDelegate::Services services = ZuviAppDelegate::sharedServices();

@@ -2,31 +2,44 @@
 
 #include "account/zuviprofileviewcontroller.h"
 #include "app/zuvidebuglog.h"
+#include "browse/zuvifollowingviewcontroller.h"
+#include "browse/zuvihotviewcontroller.h"
 #include "browse/zuvivideogridviewcontroller.h"
 #include "config/zuviremoteconfig.h"
 #include "config/zuviremoteconfigoptions.h"
+#include "desktop/zuvimprisservice.h"
+#include "desktop/zuvinowplaying.h"
+#include "desktop/zuviscreensaverinhibitor.h"
 #include "images/zuviimageloader.h"
 #include "images/zuviimageprovider.h"
 #include "net/zuviapiclient.h"
+#include "notifications/zuviremotenotificationpresenter.h"
 #include "platform/zuvidefaults.h"
 #include "platform/zuviidiom.h"
 #include "platform/zuvinotificationcenter.h"
 #include "platform/zuvischeduler.h"
 #include "zuviappearance.h"
+#include "zuviglobalshortcuts.h"
 #include "zuviimageassets.h"
+#include "zuvikeyboardshortcuts.h"
 #include "zuvinavigationcontroller.h"
 #include "zuvitabbarcontroller.h"
 #include "zuviunavailableviewcontroller.h"
+#include "zuviwindowgeometry.h"
 
+#include <QDBusConnection>
 #include <QDir>
 #include <QFile>
+#include <QGuiApplication>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QLoggingCategory>
 #include <QMetaMethod>
 #include <QQmlComponent>
 #include <QQmlEngine>
+#include <QQuickItem>
 #include <QQuickWindow>
+#include <QScreen>
 #include <QStandardPaths>
 
 #ifdef __GLIBC__
@@ -53,6 +66,8 @@ ZuviAppDelegate::~ZuviAppDelegate()
 {
     if (m_services.center)
         m_services.center->removeObserver(this);
+    if (m_services.presenter)
+        m_services.presenter->setContainerProvider(nullptr);
     delete m_window;
 }
 
@@ -83,14 +98,12 @@ ZuviTabBarController *ZuviAppDelegate::buildRootTabBarController()
             QStringLiteral("推荐"), QStringLiteral("暂无推荐内容。"), m_services.client,
             m_services.scheduler),
         QStringLiteral("推荐"), 0);
-    // The other two tabs get their screens with later parts of the
-    // application; until then they say so.
-    const QString laterTitles[] = {QStringLiteral("热门"), QStringLiteral("关注")};
-    for (int index = 1; index <= 2; ++index) {
-        const QString &title = laterTitles[index - 1];
-        navigationControllerWithRootViewController(new ZuviUnavailableViewController(title), title,
-                                                   index);
-    }
+    navigationControllerWithRootViewController(
+        new ZuviHotViewController(m_services.client, m_services.defaults), QStringLiteral("热门"),
+        1);
+    navigationControllerWithRootViewController(
+        new ZuviFollowingViewController(m_services.client, m_services.scheduler),
+        QStringLiteral("关注"), 2);
     navigationControllerWithRootViewController(
         new ZuviProfileViewController(m_services.client, m_services.scheduler),
         QStringLiteral("我的"), 3);
@@ -236,8 +249,11 @@ ZuviAppDelegate::Services ZuviAppDelegate::sharedServices()
     services.log = ZuviDebugLog::sharedLog();
     services.imageLoader = ZuviImageLoader::sharedLoader();
     services.remoteConfig = ZuviRemoteConfig::sharedConfig();
+    services.presenter = ZuviRemoteNotificationPresenter::sharedPresenter();
     services.endpoints = ZuviEndpoints::shared();
     services.infoDictionary = bundledInfoDictionary();
+    services.shortcuts = ZuviKeyboardShortcuts::sharedShortcuts();
+    services.nowPlaying = ZuviNowPlaying::sharedNowPlaying();
     return services;
 }
 
@@ -248,7 +264,18 @@ QVariantMap ZuviAppDelegate::bundledInfoDictionary()
         qCWarning(lcApp) << "the bundled Info.json is missing";
         return {};
     }
-    return QJsonDocument::fromJson(file.readAll()).object().toVariantMap();
+    QVariantMap info = QJsonDocument::fromJson(file.readAll()).object().toVariantMap();
+    const QString overridePath = qEnvironmentVariable("OLDZUVI_INFO");
+    if (!overridePath.isEmpty()) {
+        QFile overrides(overridePath);
+        if (!overrides.open(QIODevice::ReadOnly))
+            qCWarning(lcApp) << "cannot read the information keys in" << overridePath;
+        const QVariantMap extra =
+            QJsonDocument::fromJson(overrides.readAll()).object().toVariantMap();
+        for (auto it = extra.cbegin(); it != extra.cend(); ++it)
+            info.insert(it.key(), it.value());
+    }
+    return info;
 }
 
 bool ZuviAppDelegate::createWindow(QQmlEngine *engine)
@@ -265,17 +292,69 @@ bool ZuviAppDelegate::createWindow(QQmlEngine *engine)
     QQuickWindow::setTextRenderType(QQuickWindow::NativeTextRendering);
     QQmlComponent component(engine,
                             ZuviViewController::modulePageUrl(QStringLiteral("AppWindow.qml")));
-    const QSize size = ZuviIdiom::defaultWindowSize(ZuviIdiom::current());
-    QObject *window =
-        component.createWithInitialProperties({{"appDelegate", QVariant::fromValue(this)},
-                                               {"width", size.width()},
-                                               {"height", size.height()}});
+    if (!component.isReady()) {
+        qCCritical(lcApp).noquote() << component.errorString();
+        return false;
+    }
+    // The window opens where the user left it, else at the idiom's size.
+    QList<QRect> screens;
+    for (const QScreen *screen : QGuiApplication::screens())
+        screens.append(screen->availableGeometry());
+    const QString geometryKey = ZuviWindowGeometry::defaultsKey();
+    const ZuviWindowGeometry::Placement placement = ZuviWindowGeometry::placement(
+        m_services.defaults ? m_services.defaults->stringForKey(geometryKey) : QString(),
+        ZuviIdiom::defaultWindowSize(ZuviIdiom::current()), screens);
+    QVariantMap properties{{"appDelegate", QVariant::fromValue(this)},
+                           {"width", placement.geometry.width()},
+                           {"height", placement.geometry.height()}};
+    if (placement.hasPosition) {
+        properties.insert("x", placement.geometry.x());
+        properties.insert("y", placement.geometry.y());
+    }
+    QObject *window = component.createWithInitialProperties(properties);
     if (!window) {
         qCCritical(lcApp).noquote() << component.errorString();
         return false;
     }
     m_window = window;
+    if (auto *shown = qobject_cast<QWindow *>(window); shown && m_services.defaults) {
+        if (placement.maximized)
+            shown->showMaximized();
+        new ZuviWindowGeometry(shown, m_services.defaults, geometryKey, this);
+    }
+    startKeyboardAndDesktop();
+    if (m_services.presenter) {
+        // Messages cover the whole window, above every tab and screen.
+        QPointer<QQuickWindow> quickWindow = qobject_cast<QQuickWindow *>(window);
+        m_services.presenter->setContainerProvider([quickWindow]() -> QQuickItem * {
+            return quickWindow ? quickWindow->contentItem() : nullptr;
+        });
+    }
     return true;
+}
+
+void ZuviAppDelegate::startKeyboardAndDesktop()
+{
+    auto *window = qobject_cast<QQuickWindow *>(m_window);
+    if (m_services.shortcuts && window) {
+        m_services.shortcuts->attachToWindow(window);
+        new ZuviGlobalShortcuts(m_services.shortcuts, m_root, this);
+    }
+    if (!m_services.nowPlaying)
+        return;
+    const QDBusConnection bus = QDBusConnection::sessionBus();
+    auto *mpris = new ZuviMprisService(m_services.nowPlaying, bus, this);
+    connect(mpris, &ZuviMprisService::raiseRequested, this, [this] {
+        if (auto *shown = qobject_cast<QWindow *>(m_window)) {
+            shown->show();
+            shown->raise();
+            shown->requestActivate();
+        }
+    });
+    connect(mpris, &ZuviMprisService::quitRequested, qApp, &QCoreApplication::quit,
+            Qt::QueuedConnection);
+    auto *inhibitor = new ZuviScreenSaverInhibitor(bus, this);
+    inhibitor->followNowPlaying(m_services.nowPlaying);
 }
 
 void ZuviAppDelegate::startRemoteConfigNotifications()
@@ -285,7 +364,10 @@ void ZuviAppDelegate::startRemoteConfigNotifications()
         return;
     // Starting again replaces the running generation, so a developer-mode
     // change switches source and cache folder in one step.
-    m_services.remoteConfig->startWithOptions(remoteConfigOptions());
+    if (m_services.presenter)
+        m_services.presenter->startWithOptions(remoteConfigOptions());
+    else
+        m_services.remoteConfig->startWithOptions(remoteConfigOptions());
 }
 
 ZuviRemoteConfigOptions ZuviAppDelegate::remoteConfigOptions() const

@@ -12,13 +12,17 @@
 
 #include <optional>
 Q_MOC_INCLUDE("app/zuvitabbarcontroller.h")
+Q_MOC_INCLUDE("app/zuvikeyboardshortcuts.h")
 
 class QQmlEngine;
 class ZuviAPIClient;
 class ZuviDebugLog;
 class ZuviDefaults;
 class ZuviImageLoader;
+class ZuviKeyboardShortcuts;
+class ZuviNowPlaying;
 class ZuviRemoteConfig;
+class ZuviRemoteNotificationPresenter;
 struct ZuviRemoteConfigOptions;
 class ZuviNavigationController;
 class ZuviNotificationCenter;
@@ -36,6 +40,7 @@ class ZuviAppDelegate : public QObject
     QML_ELEMENT
     QML_UNCREATABLE("The application has one delegate, made at start-up")
     Q_PROPERTY(ZuviTabBarController *rootTabBarController READ rootTabBarController CONSTANT)
+    Q_PROPERTY(ZuviKeyboardShortcuts *keyboardShortcuts READ keyboardShortcuts CONSTANT)
 
 public:
     struct Services {
@@ -47,10 +52,18 @@ public:
         ZuviImageLoader *imageLoader = nullptr;
         // Started with the bundled sources; nothing is started without one.
         ZuviRemoteConfig *remoteConfig = nullptr;
+        // Shows the configuration's messages over the window and starts the
+        // service; without one the service is started directly.
+        ZuviRemoteNotificationPresenter *presenter = nullptr;
         ZuviEndpoints endpoints;
         QVariantMap infoDictionary;
         // Where per-user caches go; empty means the platform's caches folder.
         QString cachesDirectory;
+        // The window's keyboard layer; without one there are no shortcuts.
+        ZuviKeyboardShortcuts *shortcuts = nullptr;
+        // What the desktop's media keys and screen saver follow; without
+        // one the application stays off the session bus.
+        ZuviNowPlaying *nowPlaying = nullptr;
     };
 
     static const char *const kDeveloperModeDidChangeNotification;
@@ -94,17 +107,22 @@ public:
     // Settings of the process itself, made first thing in main(), before
     // any thread starts.
     static void prepareProcess();
-    // The information keys bundled with the application (Info.json).
+    // The information keys bundled with the application (Info.json), with
+    // the keys of the JSON file named by $OLDZUVI_INFO laid over them (the
+    // demo polls its configuration far more often than a deployment).
     static QVariantMap bundledInfoDictionary();
     // The process-wide services, as the running application uses them.
     static Services sharedServices();
 
     ZuviTabBarController *rootTabBarController() const { return m_root; }
+    ZuviKeyboardShortcuts *keyboardShortcuts() const { return m_services.shortcuts; }
     QObject *window() const { return m_window; }
 
 private:
     bool developerModeEnabled() const;
     bool createWindow(QQmlEngine *engine);
+    // The window's keys, and the media keys and screen saver on the desktop.
+    void startKeyboardAndDesktop();
 
     Services m_services;
     ZuviTabBarController *m_root = nullptr;

@@ -1,6 +1,7 @@
 #include "zuvitabbarcontroller.h"
 
 #include "zuvinavigationcontroller.h"
+#include "zuviviewcontroller.h"
 
 ZuviTabBarController::ZuviTabBarController(QObject *parent) : QObject(parent) {}
 
@@ -55,7 +56,14 @@ void ZuviTabBarController::selectTab(int index)
         return;
     if (index == m_selectedIndex)
         return;
+    // A tab's screen learns that it goes away or comes back, as it does when
+    // a stack pushes or pops: a screen re-reads its settings on appearing.
+    ZuviNavigationController *leaving = selectedViewController();
+    if (leaving && leaving->topViewController())
+        leaving->topViewController()->viewWillDisappear();
     m_selectedIndex = index;
+    if (controller->topViewController())
+        controller->topViewController()->viewWillAppear();
     emit selectedIndexChanged();
 }
 

@@ -49,6 +49,10 @@ public:
     virtual void viewWillAppear() {}
     virtual void viewWillDisappear() {}
 
+    // Whether the screen's page has a search field, which answers
+    // searchFocusRequested by taking the keyboard focus.
+    virtual bool offersSearch() const { return false; }
+
     // The URL of a page of the QML module, by its file name.
     static QUrl modulePageUrl(const QString &fileName);
 
@@ -58,6 +62,7 @@ protected:
 signals:
     void titleChanged();
     void navigationControllerChanged();
+    void searchFocusRequested();
 
 private:
     QString m_title;

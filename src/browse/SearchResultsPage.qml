@@ -14,6 +14,12 @@ Rectangle {
 
     color: ZuviAppearance.backgroundColor
 
+    // The search key of the keyboard lands here.
+    Connections {
+        target: page.controller
+        function onSearchFocusRequested() { searchField.takeFocus() }
+    }
+
     NavigationBar {
         id: bar
         anchors.left: parent.left
@@ -23,6 +29,7 @@ Rectangle {
         title: page.controller.title
         centerContent: [
             SearchField {
+                id: searchField
                 width: Math.min(page.controller.searchBarWidth(page.shorterSide),
                                bar.centerMaximumWidth)
                 placeholder: page.controller.searchPlaceholder

@@ -17,6 +17,12 @@ Rectangle {
 
     color: ZuviAppearance.backgroundColor
 
+    // The search key of the keyboard lands here.
+    Connections {
+        target: page.controller
+        function onSearchFocusRequested() { searchField.takeFocus() }
+    }
+
     NavigationBar {
         id: bar
         anchors.left: parent.left

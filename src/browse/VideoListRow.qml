@@ -13,6 +13,8 @@ Item {
     required property string compactPlayText
     required property string durationText
     required property color placeholderColor
+    // A screen may hold the cover back (the video screen does until its movie plays).
+    property bool coverAllowed: true
     signal tapped()
 
     readonly property real coverWidth: {
@@ -54,7 +56,7 @@ Item {
             asynchronous: true
             fillMode: Image.PreserveAspectCrop
             sourceSize.width: 260
-            source: ZuviCoverSource.sourceForURL(row.coverURL)
+            source: row.coverAllowed ? ZuviCoverSource.sourceForURL(row.coverURL) : ""
         }
         Rectangle {
             visible: row.durationText.length > 0

@@ -1,6 +1,7 @@
 #include "zuvisearchresultsviewcontroller.h"
 
 #include "net/zuviapiclient.h"
+#include "platform/zuvilifetime.h"
 #include "views/zuvistateview.h"
 #include "zuvivideogridlayout.h"
 #include "zuvivideolistmodel.h"
@@ -114,17 +115,18 @@ void ZuviSearchResultsViewController::loadSearchResultsReset(bool reset)
         m_model->setVideos(m_videos);
         showStateMode(ZuviStateView::Loading, QStringLiteral("正在搜索"), keyword, QString());
     }
-    QPointer<ZuviSearchResultsViewController> guarded(this);
     m_client->fetchSearchVideosWithKeyword(
-        keyword, page, [=](const QList<ZuviVideoItem> &received, const ZuviError &error) {
-            // An answer for an older request or another keyword changes
-            // nothing at all, not even the loading flags.
-            if (!guarded || requestID != guarded->m_requestID || keyword != guarded->m_keyword)
-                return;
-            guarded->setLoadingFlags(false, false);
-            guarded->setRefreshEnabled(true);
-            guarded->applyResults(received, error, page, reset);
-        });
+        keyword, page,
+        ZuviLifetime::bound(this,
+                            [=](const QList<ZuviVideoItem> &received, const ZuviError &error) {
+                                // An answer for an older request or another keyword changes
+                                // nothing at all, not even the loading flags.
+                                if (requestID != m_requestID || keyword != m_keyword)
+                                    return;
+                                setLoadingFlags(false, false);
+                                setRefreshEnabled(true);
+                                applyResults(received, error, page, reset);
+                            }));
 }
 
 void ZuviSearchResultsViewController::applyResults(const QList<ZuviVideoItem> &received,

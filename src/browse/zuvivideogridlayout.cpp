@@ -35,6 +35,19 @@ ZuviVideoGridLayout ZuviVideoGridLayout::gridLayoutForWidth(double width)
     return layout;
 }
 
+ZuviVideoGridLayout ZuviVideoGridLayout::hotLayoutForWidth(double width)
+{
+    ZuviVideoGridLayout layout = gridLayoutForWidth(width);
+    layout.headerHeight = 0;
+    if (ZuviIdiom::isPad())
+        layout.insetTop = 10;
+    else
+        layout.insetTop = 10, layout.insetLeft = 10, layout.insetBottom = 16,
+        layout.insetRight = 10;
+    layout.fitItemsToWidth(width);
+    return layout;
+}
+
 ZuviVideoGridLayout ZuviVideoGridLayout::searchLayoutForWidth(double width)
 {
     ZuviVideoGridLayout layout;

@@ -22,6 +22,9 @@ struct ZuviVideoGridLayout {
     static double compactListHeightForWidth(double itemWidth);
     // The layout of the recommended and popular grids.
     static ZuviVideoGridLayout gridLayoutForWidth(double width);
+    // The ranking tab's grid: no header, a little more room at the top,
+    // below its strip of region buttons.
+    static ZuviVideoGridLayout hotLayoutForWidth(double width);
     // The search results grid spaces its cards more loosely.
     static ZuviVideoGridLayout searchLayoutForWidth(double width);
     // Width of the search bar in the navigation bar, from the shorter side

@@ -2,6 +2,7 @@
 
 #include "app/zuvinavigationcontroller.h"
 #include "net/zuviapiclient.h"
+#include "platform/zuvilifetime.h"
 #include "platform/zuvischeduler.h"
 #include "views/zuvistateview.h"
 #include "zuvisearchresultsviewcontroller.h"
@@ -213,16 +214,16 @@ void ZuviVideoGridViewController::loadRemoteVideosReset(bool reset)
                           remoteLoadingMessage(), QString());
         }
     }
-    QPointer<ZuviVideoGridViewController> guarded(this);
-    requestPage(page, [=](const QList<ZuviVideoItem> &received, const ZuviError &error) {
-        if (!guarded || requestID != guarded->m_requestID)
-            return;
-        guarded->setLoadingFlags(false, false);
-        guarded->setRefreshEnabled(true);
-        guarded->endPullRefreshIfNeeded();
-        guarded->applyRemoteVideos(received, error, page, reset, keepVisible, previousPage,
-                                   previousHasMore);
-    });
+    requestPage(page, ZuviLifetime::bound(
+                          this, [=](const QList<ZuviVideoItem> &received, const ZuviError &error) {
+                              if (requestID != m_requestID)
+                                  return;
+                              setLoadingFlags(false, false);
+                              setRefreshEnabled(true);
+                              endPullRefreshIfNeeded();
+                              applyRemoteVideos(received, error, page, reset, keepVisible,
+                                                previousPage, previousHasMore);
+                          }));
 }
 
 void ZuviVideoGridViewController::applyRemoteVideos(const QList<ZuviVideoItem> &received,
@@ -285,16 +286,16 @@ void ZuviVideoGridViewController::beginPullRefreshPrefetchIfNeeded()
     m_prefetchedVideos.clear();
     m_prefetchedError = ZuviError();
     const int prefetchID = ++m_pullRefreshPrefetchRequestID;
-    QPointer<ZuviVideoGridViewController> guarded(this);
-    requestPage(1, [=](const QList<ZuviVideoItem> &received, const ZuviError &error) {
-        if (!guarded || prefetchID != guarded->m_pullRefreshPrefetchRequestID)
-            return;
-        guarded->m_pullRefreshPrefetching = false;
-        guarded->m_pullRefreshHasPrefetchedResult = true;
-        guarded->m_prefetchedVideos = received;
-        guarded->m_prefetchedError = error;
-        guarded->applyPrefetchedPullRefreshIfReady();
-    });
+    requestPage(1, ZuviLifetime::bound(
+                       this, [=](const QList<ZuviVideoItem> &received, const ZuviError &error) {
+                           if (prefetchID != m_pullRefreshPrefetchRequestID)
+                               return;
+                           m_pullRefreshPrefetching = false;
+                           m_pullRefreshHasPrefetchedResult = true;
+                           m_prefetchedVideos = received;
+                           m_prefetchedError = error;
+                           applyPrefetchedPullRefreshIfReady();
+                       }));
 }
 
 void ZuviVideoGridViewController::pullRefreshTriggered()

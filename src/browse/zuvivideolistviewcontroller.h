@@ -28,6 +28,8 @@ public:
     bool isRefreshEnabled() const { return m_refreshEnabled; }
 
     Q_INVOKABLE virtual void refreshButtonTapped() = 0;
+    // Both list screens carry a search field in their bar.
+    bool offersSearch() const override { return true; }
     // The login card's button: opens the profile tab, where the user signs in.
     Q_INVOKABLE void loginRequiredButtonTapped();
 

@@ -95,8 +95,22 @@ void ZuviDanmakuEngine::setDanmakuEnabled(bool enabled)
 
 void ZuviDanmakuEngine::setDanmakuItems(const QList<ZuviDanmakuItem> &items)
 {
-    m_items = items;
+    m_sourceItems = items;
+    m_items = m_filter.apply(items);
     resetForPlaybackTime(resetPositionFromLastTime());
+}
+
+bool ZuviDanmakuEngine::setDanmakuSettings(const ZuviDanmakuSettings &settings)
+{
+    const ZuviDanmakuSettings next = settings.clamped();
+    const bool refilter = !next.filtersLike(m_settings);
+    m_settings = next;
+    if (!refilter)
+        return false;
+    m_filter = ZuviDanmakuFilter(next);
+    m_items = m_filter.apply(m_sourceItems);
+    resetForPlaybackTime(resetPositionFromLastTime());
+    return true;
 }
 
 void ZuviDanmakuEngine::setViewSize(const QSizeF &size)
@@ -123,9 +137,12 @@ qreal ZuviDanmakuEngine::bottomInset() const
 
 int ZuviDanmakuEngine::scrollLaneCount() const
 {
-    const double lanes = std::floor((m_viewSize.height() - topInset - bottomInset()) / laneHeight);
+    const double lanes = std::floor((m_viewSize.height() - topInset - bottomInset()) / lanePitch());
     const int ceiling = m_idiom == ZuviIdiom::Pad ? 14 : 8;
-    return int(std::clamp(lanes, 1.0, double(ceiling)));
+    const int fitting = int(std::clamp(lanes, 1.0, double(ceiling)));
+    // The area is a share of the lanes, so that half the area is half the
+    // lanes on every screen, however many the ceiling left.
+    return std::max(1, fitting * m_settings.displayArea / ZuviDanmakuSettings::FullArea);
 }
 
 int ZuviDanmakuEngine::fixedLaneCount() const
@@ -133,6 +150,10 @@ int ZuviDanmakuEngine::fixedLaneCount() const
     const int scroll = scrollLaneCount();
     if (scroll < 2)
         return 1;
+    // Without motion every item stands still, so the still lanes take over
+    // the room the scrolling ones leave, half above and half below.
+    if (m_settings.reducedMotion)
+        return scroll / 2;
     return std::min(scroll / 2, 3);
 }
 
@@ -263,9 +284,31 @@ void ZuviDanmakuEngine::launchDanmakuItem(const ZuviDanmakuItem &item, double t)
         launchFixedDanmakuItem(item, t, false);
         break;
     default:
-        launchScrollingDanmakuItem(item, t);
+        if (m_settings.reducedMotion)
+            launchFixedDanmakuItem(item, t, prefersTopLaneForStillItem(t));
+        else
+            launchScrollingDanmakuItem(item, t);
         break;
     }
+}
+
+bool ZuviDanmakuEngine::prefersTopLaneForStillItem(double t)
+{
+    ensureLaneArray(m_topLanes, fixedLaneCount());
+    for (double availableAt : m_topLanes) {
+        if (availableAt <= t)
+            return true;
+    }
+    return false;
+}
+
+qreal ZuviDanmakuEngine::bottomLaneBase() const
+{
+    // In a reduced area the bottom lanes close the lane band from below,
+    // so nothing is drawn outside the area.
+    if (m_settings.displayArea < ZuviDanmakuSettings::FullArea)
+        return topInset + scrollLaneCount() * lanePitch();
+    return m_viewSize.height() - bottomInset();
 }
 
 void ZuviDanmakuEngine::launchScrollingDanmakuItem(const ZuviDanmakuItem &item, double t)
@@ -281,14 +324,18 @@ void ZuviDanmakuEngine::launchScrollingDanmakuItem(const ZuviDanmakuItem &item, 
     label->size = sizeForLabel(*label, maximumWidthFactor * width);
     if (m_configuredHook)
         m_configuredHook(*label);
-    const qreal y = lane * laneHeight + topInset +
-                    randomVerticalOffsetForLaneHeight(laneHeight, label->size.height());
+    const qreal pitch = lanePitch();
+    const qreal y =
+        lane * pitch + topInset + randomVerticalOffsetForLaneHeight(pitch, label->size.height());
     label->origin = QPointF(width, y); // just beyond the right edge
     label->alpha = 1;
 
     const qreal labelWidth = label->size.width();
     const qreal distance = width + labelWidth;
-    const double duration = std::clamp(double(distance / scrollSpeed()), 5.5, 9.0);
+    // The viewer's speed scales the flight after the clamps, so it shows on
+    // every screen width, even where the clamps would have swallowed it.
+    const double duration =
+        std::clamp(double(distance / scrollSpeed()), 5.5, 9.0) / m_settings.speed;
     // The lane frees when the tail has cleared the right edge, plus a gap.
     m_scrollLanes[size_t(lane)] = t + double(labelWidth / distance) * duration + 0.35;
 
@@ -317,9 +364,10 @@ void ZuviDanmakuEngine::launchFixedDanmakuItem(const ZuviDanmakuItem &item, doub
     if (m_configuredHook)
         m_configuredHook(*label);
     const qreal x = std::floor((viewSize.width() - label->size.width()) * 0.5);
-    const qreal offset = randomVerticalOffsetForLaneHeight(laneHeight, label->size.height());
-    qreal y = top ? lane * laneHeight + topInset + offset
-                  : viewSize.height() - bottomInset() - (lane + 1) * laneHeight + offset;
+    const qreal pitch = lanePitch();
+    const qreal offset = randomVerticalOffsetForLaneHeight(pitch, label->size.height());
+    qreal y =
+        top ? lane * pitch + topInset + offset : bottomLaneBase() - (lane + 1) * pitch + offset;
     if (y < 0)
         y = 0;
     label->origin = QPointF(x, y);
@@ -339,7 +387,7 @@ ZuviDanmakuLabel *ZuviDanmakuEngine::configuredLabelForItem(const ZuviDanmakuIte
 {
     LabelPtr label = dequeueLabel();
     label->text = item.text;
-    label->fontSize = item.fontSize;
+    label->fontSize = item.fontSize * m_settings.textScale();
     label->color = readableColorForItem(item);
     label->serial = m_nextSerial++;
     ZuviDanmakuLabel *added = addVisibleLabel(std::move(label));
@@ -599,6 +647,11 @@ QPointF ZuviDanmakuEngine::currentPosition(const ZuviDanmakuLabel &label) const
 }
 
 qreal ZuviDanmakuEngine::currentOpacity(const ZuviDanmakuLabel &label) const
+{
+    return flightOpacity(label) * m_settings.opacity();
+}
+
+qreal ZuviDanmakuEngine::flightOpacity(const ZuviDanmakuLabel &label) const
 {
     if (label.flight != ZuviDanmakuLabel::Fixed)
         return label.alpha;

@@ -2,7 +2,9 @@
 
 #include "model/zuvidanmakuitem.h"
 #include "platform/zuviidiom.h"
+#include "zuvidanmakufilter.h"
 #include "zuvidanmakulabel.h"
+#include "zuvidanmakusettings.h"
 
 #include <QList>
 #include <QPointF>
@@ -80,9 +82,23 @@ public:
     bool isHidden() const { return m_hidden; }
     void setHidden(bool hidden) { m_hidden = hidden; }
 
+    // The items shown: the list given, through the viewer's filters (the
+    // same list while every filter is at its default). Indexes of the
+    // tick and of firstItemIndexAtOrAfterTime() point into this list.
     const QList<ZuviDanmakuItem> &danmakuItems() const { return m_items; }
+    // The list as given, before filtering.
+    const QList<ZuviDanmakuItem> &sourceDanmakuItems() const { return m_sourceItems; }
     // The list must be sorted by time; the engine never sorts.
     void setDanmakuItems(const QList<ZuviDanmakuItem> &items);
+
+    // --- The viewer's settings ---------------------------------------------
+    const ZuviDanmakuSettings &danmakuSettings() const { return m_settings; }
+    // Applies new settings. A change of what is shown filters the list
+    // again and resets to the last position; the look (opacity, size,
+    // speed, area, motion) applies from the next launch, and opacity at
+    // once. Returns whether the shown list changed.
+    bool setDanmakuSettings(const ZuviDanmakuSettings &settings);
+    const ZuviDanmakuBlockList &blockList() const { return m_filter.blockList(); }
 
     void tickAtPlaybackTime(double playbackTime, bool playing);
     void resetForPlaybackTime(double playbackTime);
@@ -137,6 +153,9 @@ public:
 
     // --- Metrics for the current size and idiom ----------------------------
     qreal bottomInset() const;
+    // The distance between lanes: the lane height, scaled with the text.
+    qreal lanePitch() const { return laneHeight * m_settings.textScale(); }
+    // The lanes that fit the view, then the share of them the display area allows.
     int scrollLaneCount() const;
     int fixedLaneCount() const;
     int maximumVisibleCount() const;
@@ -160,6 +179,11 @@ private:
     void launchDanmakuItem(const ZuviDanmakuItem &item, double playbackTime);
     void launchScrollingDanmakuItem(const ZuviDanmakuItem &item, double playbackTime);
     void launchFixedDanmakuItem(const ZuviDanmakuItem &item, double playbackTime, bool top);
+    // Without motion, a scrolling item stands still in a top lane, or a
+    // bottom one when the top lanes are busy.
+    bool prefersTopLaneForStillItem(double playbackTime);
+    // Where the bottom lanes count upward from.
+    qreal bottomLaneBase() const;
     ZuviDanmakuLabel *configuredLabelForItem(const ZuviDanmakuItem &item);
     ZuviDanmakuLabel *addVisibleLabel(LabelPtr label);
     LabelPtr dequeueLabel();
@@ -171,6 +195,8 @@ private:
     int availableLaneInArray(const std::vector<double> &lanes, double playbackTime,
                              int *cursor) const;
     double localTime(const ZuviDanmakuLabel &label) const;
+    // The label's opacity along its flight, before the viewer's opacity.
+    qreal flightOpacity(const ZuviDanmakuLabel &label) const;
     static double localTimeAt(const ZuviDanmakuLabel &label, double wallTime);
     // The wall time at which a running flight ends (infinity when frozen or idle).
     static double finishWallTime(const ZuviDanmakuLabel &label);
@@ -189,7 +215,10 @@ private:
     bool m_enabled = true;
     bool m_hidden = false;
     bool m_paused = false;
-    QList<ZuviDanmakuItem> m_items;
+    QList<ZuviDanmakuItem> m_sourceItems;
+    QList<ZuviDanmakuItem> m_items; // what is shown: m_sourceItems through m_filter
+    ZuviDanmakuSettings m_settings;
+    ZuviDanmakuFilter m_filter;
     std::vector<LabelPtr> m_visible;  // launch order
     std::vector<LabelPtr> m_reusable; // a stack, at most poolLimit
     std::vector<double> m_scrollLanes;

@@ -11,10 +11,10 @@
 
 namespace {
 
-// Danmaku sizes are clamped to 13…20 points, so font metrics for every
-// whole size are built once and kept; building them per label would cost
-// more than the measurement itself.
-constexpr int smallestCachedSize = 8;
+// Danmaku sizes are clamped to 13…20 points and scaled by the viewer's text
+// size (50…200 %), so font metrics for every whole size are built once and
+// kept; building them per label would cost more than the measurement itself.
+constexpr int smallestCachedSize = 6;
 constexpr int largestCachedSize = 40;
 
 const QFontMetricsF &metricsForSize(int pixelSize)

@@ -2,6 +2,10 @@
 
 #include "zuvidanmakulabelnode.h"
 #include "zuvidanmakulabelpainter.h"
+#include "zuvidesktopmotion.h"
+
+#include "platform/zuvidefaults.h"
+#include "platform/zuvinotificationcenter.h"
 
 #include <QQuickWindow>
 #include <QSGNode>
@@ -25,6 +29,44 @@ ZuviDanmakuOverlayView::ZuviDanmakuOverlayView(QQuickItem *parent) : QQuickItem(
 ZuviDanmakuOverlayView::~ZuviDanmakuOverlayView()
 {
     QObject::disconnect(m_frameConnection);
+}
+
+void ZuviDanmakuOverlayView::setDanmakuSettings(const ZuviDanmakuSettings &settings)
+{
+    ZuviDanmakuSettings applied = settings;
+    applied.reducedMotion = settings.reducedMotion || ZuviDesktopMotion::prefersReducedMotion();
+    if (applied.clamped() == m_engine.danmakuSettings())
+        return;
+    const bool listChanged = m_engine.setDanmakuSettings(applied);
+    // Opacity reaches labels already in flight: their nodes are placed anew.
+    update();
+    afterStateChange();
+    emit danmakuSettingsChanged();
+    if (listChanged)
+        emit danmakuItemsChanged();
+}
+
+void ZuviDanmakuOverlayView::followStoredSettings()
+{
+    followStoredSettings(ZuviDefaults::standardDefaults(), ZuviNotificationCenter::defaultCenter());
+}
+
+void ZuviDanmakuOverlayView::followStoredSettings(ZuviDefaults *defaults,
+                                                  ZuviNotificationCenter *center)
+{
+    m_settingsDefaults = defaults;
+    applyStoredSettings();
+    if (m_settingsObservation == 0)
+        // Observing with the overlay as observer ends with the overlay.
+        m_settingsObservation =
+            center->addObserver(QString::fromLatin1(ZuviDanmakuSettings::didChangeNotification),
+                                this, [this](const ZuviNotification &) { applyStoredSettings(); });
+}
+
+void ZuviDanmakuOverlayView::applyStoredSettings()
+{
+    if (m_settingsDefaults)
+        setDanmakuSettings(ZuviDanmakuSettings::fromDefaults(*m_settingsDefaults));
 }
 
 void ZuviDanmakuOverlayView::setDanmakuEnabled(bool enabled)
@@ -51,6 +93,7 @@ void ZuviDanmakuOverlayView::setDanmakuItems(const QList<ZuviDanmakuItem> &items
 {
     m_engine.setDanmakuItems(items);
     afterStateChange();
+    emit danmakuItemsChanged();
 }
 
 void ZuviDanmakuOverlayView::tickAtPlaybackTime(double playbackTime, bool playing)

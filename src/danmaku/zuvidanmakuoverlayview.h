@@ -2,6 +2,7 @@
 
 #include "model/zuvidanmakuitem.h"
 #include "zuvidanmakuengine.h"
+#include "zuvidanmakusettings.h"
 
 #include <QList>
 #include <QMetaObject>
@@ -9,6 +10,8 @@
 #include <QtQml/qqmlregistration.h>
 
 class ZuviDanmakuLabelNode;
+class ZuviDefaults;
+class ZuviNotificationCenter;
 
 // The transparent danmaku layer laid over the movie picture. It forwards the
 // video screen's ticks to its ZuviDanmakuEngine and draws the engine's labels:
@@ -27,6 +30,7 @@ class ZuviDanmakuOverlayView : public QQuickItem
     Q_PROPERTY(int itemCount READ itemCount NOTIFY countersChanged)
     Q_PROPERTY(qint64 launchedCount READ launchedCount NOTIFY countersChanged)
     Q_PROPERTY(qint64 droppedCount READ droppedCount NOTIFY countersChanged)
+    Q_PROPERTY(qreal danmakuOpacity READ danmakuOpacity NOTIFY danmakuSettingsChanged)
 
 public:
     explicit ZuviDanmakuOverlayView(QQuickItem *parent = nullptr);
@@ -43,6 +47,15 @@ public:
 
     // The list must be sorted by time.
     void setDanmakuItems(const QList<ZuviDanmakuItem> &items);
+
+    // The viewer's settings, applied live. Reduced motion is also on while
+    // the desktop asks for it.
+    const ZuviDanmakuSettings &danmakuSettings() const { return m_engine.danmakuSettings(); }
+    void setDanmakuSettings(const ZuviDanmakuSettings &settings);
+    // Takes the settings from the defaults store now and again whenever a
+    // change to them is posted, for as long as the overlay lives.
+    void followStoredSettings(ZuviDefaults *defaults, ZuviNotificationCenter *center);
+    Q_INVOKABLE void followStoredSettings();
 
     Q_INVOKABLE void tickAtPlaybackTime(double playbackTime, bool playing);
     Q_INVOKABLE void resetForPlaybackTime(double playbackTime);
@@ -67,11 +80,15 @@ public:
     // Labels launched, and items dropped by the cap or for want of a lane.
     qint64 launchedCount() const { return qint64(m_engine.counters().launched); }
     qint64 droppedCount() const;
+    qreal danmakuOpacity() const { return m_engine.danmakuSettings().opacity(); }
 
 signals:
     void danmakuEnabledChanged();
     void padIdiomChanged();
     void countersChanged();
+    // The list shown changed: a new list, or settings that filter it anew.
+    void danmakuItemsChanged();
+    void danmakuSettingsChanged();
 
 protected:
     QSGNode *updatePaintNode(QSGNode *oldNode, UpdatePaintNodeData *data) override;
@@ -80,6 +97,7 @@ protected:
 
 private:
     void afterStateChange();
+    void applyStoredSettings();
     void requestFrame();
     void drawHeldFrame();
     void frameAnimated();
@@ -88,6 +106,8 @@ private:
     void placeLabelNode(ZuviDanmakuLabelNode *node, const ZuviDanmakuLabel &label) const;
 
     ZuviDanmakuEngine m_engine;
+    ZuviDefaults *m_settingsDefaults = nullptr;
+    int m_settingsObservation = 0;
     QMetaObject::Connection m_frameConnection;
     qreal m_devicePixelRatio = 1;
     // What the last requested frame showed and the counters last reported.

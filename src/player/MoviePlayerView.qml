@@ -75,18 +75,63 @@ Rectangle {
         }
     }
 
+    // Whether a press at this point (in this view) is on one of the
+    // player's own controls: those never start a gesture on the picture.
+    function onControl(position) {
+        for (const item of [controls, doneButton]) {
+            if (item.visible && item.contains(item.mapFromItem(root, position)))
+                return true
+        }
+        return false
+    }
+
+    // Held down, the movie plays at double speed; let go, at its old rate.
+    TapHandler {
+        id: longPress
+        objectName: "fastForwardPress"
+        longPressThreshold: 0.35
+        property bool fastForwarding: false
+        onLongPressed: {
+            if (!root.controller.fastForwardLongPressShouldBegin(root.onControl(point.pressPosition)))
+                return
+            fastForwarding = true
+            root.controller.fastForwardLongPressBegan()
+        }
+        onPressedChanged: {
+            if (!pressed && fastForwarding) {
+                fastForwarding = false
+                root.controller.fastForwardLongPressEnded()
+            }
+        }
+        onCanceled: {
+            if (fastForwarding) {
+                fastForwarding = false
+                root.controller.fastForwardLongPressEnded()
+            }
+        }
+    }
+
     // A swipe to the right that starts at the left edge leaves fullscreen.
     DragHandler {
         id: edgePan
         enabled: root.fullscreen
         target: null
         xAxis.enabled: true
-        yAxis.enabled: false
+        yAxis.enabled: true
         property bool fromEdge: false
         onActiveChanged: {
             if (active) {
-                fromEdge = centroid.pressPosition.x
-                        <= root.controller.fullscreenEdgeZoneWidth(root.width)
+                // The first movement tells the direction when the speed
+                // is not known yet.
+                const moved = Qt.point(centroid.position.x - centroid.pressPosition.x,
+                                       centroid.position.y - centroid.pressPosition.y)
+                const vx = centroid.velocity.x !== 0 ? centroid.velocity.x : moved.x
+                const vy = centroid.velocity.y !== 0 ? centroid.velocity.y : moved.y
+                fromEdge = root.controller.fullscreenEdgePanShouldBegin(
+                            centroid.pressPosition.x, root.width, vx, vy,
+                            root.onControl(centroid.pressPosition))
+                if (fromEdge)
+                    root.controller.fastForwardLongPressEnded()
                 return
             }
             if (fromEdge)
@@ -99,6 +144,7 @@ Rectangle {
 
     // Done leaves fullscreen; the player reports it as the user's exit.
     Button {
+        id: doneButton
         objectName: "doneButton"
         visible: root.fullscreen
         text: "完成"
@@ -142,6 +188,21 @@ Rectangle {
                 // Follows the clock except while the user drags it.
                 value: pressed ? value : (root.player ? root.player.currentPlaybackTime || 0 : 0)
                 onMoved: root.controller.seekTo(value)
+
+                // Where the danmaku crowd, along the bar, so the busiest
+                // moments can be seen and jumped to; drawn under the handle
+                // and hidden while there is nothing to count.
+                ZuviDanmakuDensityGraph {
+                    objectName: "danmakuDensity"
+                    z: -1
+                    x: seekBar.leftPadding
+                    width: seekBar.availableWidth
+                    height: 14
+                    anchors.bottom: parent.verticalCenter
+                    overlay: root.controller.danmakuOverlay
+                    duration: root.player ? root.player.duration : 0
+                    color: Qt.rgba(1, 1, 1, 0.5)
+                }
             }
             Label {
                 objectName: "totalLabel"
@@ -158,11 +219,36 @@ Rectangle {
                 text: "弹幕"
             }
             ToolButton {
+                objectName: "danmakuSettingsButton"
+                text: "⚙"
+                palette.buttonText: "white"
+                onClicked: danmakuSettings.open()
+            }
+            ToolButton {
                 objectName: "fullscreenButton"
                 text: root.fullscreen ? "⤡" : "⤢"
                 palette.buttonText: "white"
                 onClicked: root.controller.toggleFullscreen()
             }
+        }
+    }
+
+    // The viewer's danmaku settings, over the whole window so the panel has
+    // room inline as in fullscreen; changes apply to the flying danmaku at once.
+    Popup {
+        id: danmakuSettings
+        objectName: "danmakuSettingsPopup"
+        parent: Overlay.overlay
+        x: parent ? parent.width - width - 16 : 0
+        y: 16
+        width: 360
+        height: parent ? Math.min(560, parent.height - 32) : 560
+        padding: 0
+        modal: false
+        closePolicy: Popup.CloseOnEscape | Popup.CloseOnPressOutside
+        background: null
+        contentItem: DanmakuSettingsPanel {
+            onCloseRequested: danmakuSettings.close()
         }
     }
 }

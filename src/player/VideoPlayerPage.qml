@@ -3,15 +3,19 @@ import QtQuick.Controls
 import QtQuick.Layouts
 import Zuvi
 
-// The video screen: the player container with the movie, the danmaku
-// overlay, the state line and the retry button; below it the video's
-// information and its pages. All decisions are the controller's.
+// The video screen. On a wide pad the player and the video's information
+// scroll on the left and the related videos and comments sit on the right;
+// otherwise everything is one column (at most 680 wide on a pad): the
+// player, the information, then the related | comments tabs. All decisions
+// are the controller's and its parts'.
 Page {
     id: page
 
     // The navigation stack tells the controller when the screen appears and
     // goes; the page only hands over the items the movie and overlay use.
     required property ZuviVideoPlayerViewController controller
+    readonly property bool wide: page.controller.padIdiom && page.width > page.height
+    readonly property real sideWidth: wide ? Math.max(300, Math.round(page.width * 0.36)) : 0
 
     title: page.controller.title
     focus: true
@@ -24,8 +28,8 @@ Page {
     }
 
     Component.onCompleted: {
-        page.controller.playerContainer = container
-        page.controller.movieView = movieView
+        page.controller.playerContainer = surface
+        page.controller.movieView = surface.movieView
         forceActiveFocus()
     }
 
@@ -43,166 +47,72 @@ Page {
     }
 
     Flickable {
-        anchors.fill: parent
-        contentHeight: column.height
+        id: main
+        objectName: "mainColumn"
+        anchors { left: parent.left; top: parent.top; bottom: parent.bottom }
+        width: parent.width - page.sideWidth
+        contentHeight: column.height + 12
         clip: true
+        // In one column the comments are part of this scroll: near its end,
+        // the next page is asked for.
+        onContentYChanged: {
+            if (!page.wide && page.controller.sideContent.sideSegment === 1
+                    && contentY + height > contentHeight - 160)
+                page.controller.sideContent.loadNextCommentsIfNeeded()
+        }
 
         ColumnLayout {
             id: column
-            width: parent.width
+            width: page.wide ? main.width : page.controller.portraitContentWidthForWidth(main.width)
+            x: (main.width - width) / 2
             spacing: 8
 
-            Rectangle {
-                id: container
-                objectName: "playerContainer"
+            PlayerSurface {
+                id: surface
                 Layout.fillWidth: true
                 Layout.preferredHeight: width * 9 / 16
-                // The movie view paints its own letterbox.
-                color: "transparent"
-                clip: true
-
-                MoviePlayerView {
-                    id: movieView
-                    objectName: "movieView"
-                    anchors.fill: parent
-                    controller: page.controller
-                }
-
-                Label {
-                    objectName: "stateLabel"
-                    z: 2
-                    anchors.centerIn: parent
-                    anchors.verticalCenterOffset: -18
-                    visible: page.controller.stateVisible
-                    text: page.controller.stateText
-                    color: "white"
-                    width: parent.width - 40
-                    horizontalAlignment: Text.AlignHCenter
-                    wrapMode: Text.Wrap
-                }
-                Button {
-                    objectName: "retryButton"
-                    z: 2
-                    anchors.horizontalCenter: parent.horizontalCenter
-                    anchors.top: parent.verticalCenter
-                    anchors.topMargin: 8
-                    visible: page.controller.retryVisible
-                    text: page.controller.retryTitle
-                    onClicked: page.controller.retryButtonTapped()
-                }
+                controller: page.controller
             }
-
-            Label {
+            VideoInfoSection {
                 Layout.fillWidth: true
-                Layout.margins: 12
-                text: page.controller.videoTitle
-                font.pixelSize: 18
-                font.bold: true
-                color: Qt.rgba(0.93, 0.44, 0.61, 1)
-                wrapMode: Text.Wrap
+                controller: page.controller
+                onDanmakuPreviewRequested: previewDialog.open()
             }
-            Label {
+            VideoSidePane {
+                objectName: "inlineSidePane"
+                visible: !page.wide
+                inline: true
                 Layout.fillWidth: true
-                Layout.leftMargin: 12
-                Layout.rightMargin: 12
-                text: page.controller.detailMetaText
-                color: "#666"
-                wrapMode: Text.Wrap
-            }
-            Label {
-                Layout.fillWidth: true
-                Layout.leftMargin: 12
-                Layout.rightMargin: 12
-                visible: text.length > 0
-                text: page.controller.detailDescription
-                wrapMode: Text.Wrap
-            }
-            Flow {
-                Layout.fillWidth: true
-                Layout.margins: 12
-                spacing: 6
-                visible: page.controller.pageTitles.length > 1
-                Repeater {
-                    model: page.controller.pageTitles
-                    delegate: Button {
-                        required property int index
-                        required property string modelData
-                        text: modelData
-                        highlighted: index === page.controller.selectedPageIndex
-                        onClicked: page.controller.selectPage(index)
-                    }
-                }
-            }
-            // Developer aid: what the danmaku list holds.
-            ItemDelegate {
-                Layout.fillWidth: true
-                visible: page.controller.showsDanmakuPreview
-                text: page.controller.danmakuPreviewSummaryText
-                onClicked: previewDialog.open()
-            }
-            Label {
-                Layout.fillWidth: true
-                Layout.leftMargin: 12
-                visible: text.length > 0
-                text: page.controller.danmakuStatusText
-                color: "#999"
+                Layout.preferredHeight: implicitHeight
+                controller: page.controller
             }
         }
     }
 
-    // The end of playback: replay or leave. In fullscreen it sits over the
-    // fullscreen picture.
-    Rectangle {
-        objectName: "playbackEndView"
-        parent: page.controller.playbackEndInFullscreen && movieView.parent ? movieView.parent : container
-        visible: page.controller.playbackEndVisible
-        anchors.fill: parent
-        z: 10002
-        color: "#d0000000"
-
-        ColumnLayout {
-            anchors.centerIn: parent
-            width: Math.min(parent.width - 40, 420)
-            spacing: 8
-            Label {
-                text: page.controller.playbackEndBadgeText
-                color: Qt.rgba(0.93, 0.44, 0.61, 1)
-            }
-            Label {
-                Layout.fillWidth: true
-                text: page.controller.playbackEndTitleText
-                color: "white"
-                font.pixelSize: 18
-                wrapMode: Text.Wrap
-            }
-            Label {
-                Layout.fillWidth: true
-                text: page.controller.playbackEndMetaText
-                color: "#ccc"
-                wrapMode: Text.Wrap
-            }
-            RowLayout {
-                Button {
-                    objectName: "replayButton"
-                    text: "重播"
-                    onClicked: page.controller.playbackEndReplayTapped()
-                }
-                Button {
-                    objectName: "exitButton"
-                    text: "退出"
-                    onClicked: page.controller.playbackEndExitTapped()
-                }
-            }
+    VideoSidePane {
+        objectName: "sidePane"
+        visible: page.wide
+        anchors { right: parent.right; top: parent.top; bottom: parent.bottom }
+        width: page.sideWidth
+        controller: page.controller
+        Rectangle {
+            anchors { left: parent.left; top: parent.top; bottom: parent.bottom }
+            width: 1
+            color: "#ddd"
         }
     }
 
     Label {
-        parent: movieView
+        parent: surface.movieView
         z: 4
         anchors { top: parent.top; right: parent.right; margins: 8 }
         visible: text.length > 0
         text: page.controller.fullscreenDirectionText
         color: "yellow"
+    }
+
+    VideoActionDialogs {
+        actions: page.controller.actions
     }
 
     Dialog {

@@ -5,7 +5,11 @@
 #include "model/zuvivideodetail.h"
 #include "model/zuvivideoitem.h"
 #include "platform/zuvierror.h"
+#include "zuvifastforward.h"
 #include "zuvimovieplayer.h"
+#include "zuviplaybackendcard.h"
+#include "zuvivideoactions.h"
+#include "zuvivideosidecontent.h"
 
 #include <QObject>
 #include <QPointer>
@@ -28,7 +32,13 @@ class ZuviScheduler;
 // address in the user's quality order, plays it in a movie player inside the
 // player container and drives the danmaku overlay from the movie's clock,
 // inline and fullscreen. Every asynchronous step carries a request number so
-// that an answer arriving after the user has moved on is dropped.
+// that an answer arriving after the user has moved on is dropped, and every
+// completion is bound to the screen's lifetime.
+//
+// The screen coordinates parts of its own: the side content (related videos
+// and comments), the video actions, the end card with its countdown and the
+// fast-forward gesture. QML binds to those parts directly; what joins them
+// to the player lives here.
 class ZuviVideoPlayerViewController : public ZuviViewController
 {
     Q_OBJECT
@@ -68,6 +78,11 @@ class ZuviVideoPlayerViewController : public ZuviViewController
     Q_PROPERTY(QString playbackEndBadgeText READ playbackEndBadgeText NOTIFY playbackEndChanged)
     Q_PROPERTY(QString playbackEndTitleText READ playbackEndTitleText NOTIFY playbackEndChanged)
     Q_PROPERTY(QString playbackEndMetaText READ playbackEndMetaText NOTIFY playbackEndChanged)
+    Q_PROPERTY(ZuviVideoSideContent *sideContent READ sideContent CONSTANT)
+    Q_PROPERTY(ZuviVideoActions *actions READ actions CONSTANT)
+    Q_PROPERTY(ZuviPlaybackEndCard *endCard READ endCard CONSTANT)
+    Q_PROPERTY(ZuviFastForward *fastForward READ fastForward CONSTANT)
+    Q_PROPERTY(bool padIdiom READ isPadIdiom CONSTANT)
 
 public:
     using PlayerFactory = std::function<ZuviMoviePlayer *(QObject *parent)>;
@@ -169,6 +184,22 @@ public:
     void hidePlaybackEndView();
     Q_INVOKABLE void playbackEndReplayTapped();
     Q_INVOKABLE void playbackEndExitTapped();
+    Q_INVOKABLE void playbackEndRelatedTapped();
+    // A related video tapped in the side list opens a screen of its own.
+    Q_INVOKABLE void relatedVideoTapped(int row);
+    void playbackEndAutoPlayRelatedVideo();
+    bool shouldKeepFullscreenForNextPlayback() const;
+    void playRelatedVideoInCurrentFullscreen(const ZuviVideoItem &video);
+    void playPendingMovieInCurrentFullscreenWithRequestID(int requestID);
+
+    // --- Gestures on the picture
+    Q_INVOKABLE bool fastForwardLongPressShouldBegin(bool touchOnControl) const;
+    Q_INVOKABLE void fastForwardLongPressBegan();
+    Q_INVOKABLE void fastForwardLongPressEnded();
+    Q_INVOKABLE bool fullscreenEdgePanShouldBegin(double startX, double viewWidth, double velocityX,
+                                                  double velocityY, bool touchOnControl) const;
+    // Pad portrait content column: at most 680 wide on a pad, all of it on a phone.
+    Q_INVOKABLE static double portraitContentWidthForWidth(double width);
 
     // --- Keys and controls forwarded by the page
     Q_INVOKABLE void togglePlayPause();
@@ -202,12 +233,18 @@ public:
     const QList<ZuviDanmakuItem> &danmakuItems() const { return m_danmakuItems; }
     QStringList danmakuLogLines() const { return m_danmakuLogLines; }
     QString fullscreenDirectionText() const { return m_fullscreenDirectionText; }
-    bool isPlaybackEndVisible() const { return m_playbackEndVisible; }
-    bool isPlaybackEndInFullscreen() const { return m_playbackEndInFullscreen; }
-    int playbackEndReason() const { return m_playbackEndReason; }
-    QString playbackEndBadgeText() const { return m_playbackEndBadgeText; }
-    QString playbackEndTitleText() const { return m_playbackEndTitleText; }
-    QString playbackEndMetaText() const { return m_playbackEndMetaText; }
+    bool isPlaybackEndVisible() const;
+    bool isPlaybackEndInFullscreen() const;
+    int playbackEndReason() const;
+    QString playbackEndBadgeText() const;
+    QString playbackEndTitleText() const;
+    QString playbackEndMetaText() const;
+    ZuviVideoSideContent *sideContent() const { return m_sideContent; }
+    ZuviVideoActions *actions() const { return m_actions; }
+    ZuviPlaybackEndCard *endCard() const { return m_endCard; }
+    ZuviFastForward *fastForward() const { return m_fastForward; }
+    static bool isPadIdiom();
+    bool relatedImagesAllowed() const;
 
     int detailRequestID() const { return m_detailRequestID; }
     int playbackRequestID() const { return m_playbackRequestID; }
@@ -239,6 +276,8 @@ signals:
     void playbackEndChanged();
     // The end view's exit while inline, for a screen without a stack.
     void closeRequested();
+    // A related video to open in a screen of its own, for a screen without a stack.
+    void openVideoRequested(const ZuviVideoItem &video, const QString &sourceTitle);
 
 protected:
     void viewDidLoad() override { loadVideoDetail(); }
@@ -246,6 +285,11 @@ protected:
 private:
     void initWithVideoItem(const ZuviVideoItem &item, const QString &sourceTitle);
     void setStateLabel(const QString &text, bool visible);
+    void wireParts();
+    void resetSideContentForLoading();
+    void loadSideContent();
+    void setRelatedImagesAllowedSoon(bool allowed);
+    void openRelatedVideo(const ZuviVideoItem &video);
     void setRetry(const QString &title, bool visible);
     void setRetryVisible(bool visible);
     void fetchPlayableURLForPage(const ZuviVideoPage &page, int requestID);
@@ -281,6 +325,10 @@ private:
     ZuviDefaults *m_defaults;
     PlayerFactory m_playerFactory;
     ZuviDanmakuOverlayView *m_overlay;
+    ZuviVideoSideContent *m_sideContent;
+    ZuviVideoActions *m_actions;
+    ZuviPlaybackEndCard *m_endCard;
+    ZuviFastForward *m_fastForward;
     QPointer<QQuickItem> m_playerContainer;
     QPointer<QQuickItem> m_movieView;
     QMetaObject::Connection m_containerWidth, m_containerHeight;
@@ -306,6 +354,7 @@ private:
     double m_restorePlaybackTime = 0;
     bool m_restorePlaybackEndOnAppear = false;
     int m_restoreFinishReason = 0;
+    bool m_playbackNextShouldKeepFullscreen = false;
 
     QString m_stateText;
     bool m_stateVisible = false;
@@ -328,11 +377,4 @@ private:
     int m_fullscreenDirectionDebugCounter = 0;
     QString m_fullscreenDirectionText;
     double m_interfaceRotation = 0;
-
-    bool m_playbackEndVisible = false;
-    bool m_playbackEndInFullscreen = false;
-    int m_playbackEndReason = 0;
-    QString m_playbackEndBadgeText;
-    QString m_playbackEndTitleText;
-    QString m_playbackEndMetaText;
 };

@@ -5,6 +5,8 @@
 #include "app/zuvinavigationcontroller.h"
 #include "app/zuvitabbarcontroller.h"
 #include "app/zuviviewcontroller.h"
+#include "browse/zuvifollowingviewcontroller.h"
+#include "browse/zuvihotviewcontroller.h"
 #include "browse/zuvivideogridviewcontroller.h"
 #include "config/zuviremoteconfig.h"
 #include "config/zuviremoteconfigoptions.h"
@@ -113,12 +115,20 @@ private slots:
         QCOMPARE(grid->title(), QStringLiteral("推荐"));
         QCOMPARE(grid->emptyMessage(), QStringLiteral("暂无推荐内容。"));
         QCOMPARE(grid->mode(), ZuviVideoGridViewController::Mode::Recommended);
-        // The later tabs say they are not in this build.
-        QObject *hot = tabs->viewControllerAt(1)->rootViewController();
-        auto *state = hot->property("stateView").value<ZuviStateView *>();
+        auto *hot =
+            qobject_cast<ZuviHotViewController *>(tabs->viewControllerAt(1)->rootViewController());
+        QVERIFY(hot);
+        QCOMPARE(hot->title(), QStringLiteral("热门"));
+        auto *following = qobject_cast<ZuviFollowingViewController *>(
+            tabs->viewControllerAt(2)->rootViewController());
+        QVERIFY(following);
+        QCOMPARE(following->title(), QStringLiteral("关注"));
+        // The profile tab says it is not in this build.
+        QObject *profile = tabs->viewControllerAt(3)->rootViewController();
+        auto *state = profile->property("stateView").value<ZuviStateView *>();
         QVERIFY(state);
         QCOMPARE(state->mode(), int(ZuviStateView::Empty));
-        QVERIFY(state->message().contains("热门"));
+        QVERIFY(state->message().contains("我的"));
     }
 
     void tabImageNames_data()
@@ -167,7 +177,8 @@ private slots:
         QCOMPARE(second->reselections, 0);
         QCOMPARE(first->reselections, 2);
         // A screen without the operation is simply left alone.
-        delegate.notifyTabReselectedForViewController(new PlainScreen);
+        PlainScreen plain;
+        delegate.notifyTabReselectedForViewController(&plain);
     }
 
     void remoteConfigSource_data()

@@ -4,8 +4,12 @@
 #include "app/zuviappdelegate.h"
 #include "app/zuvidebuglog.h"
 #include "app/zuvidebuglogviewcontroller.h"
+#include "app/zuvikeyboardshortcuts.h"
 #include "app/zuvitabbarcontroller.h"
 #include "app/zuviunavailableviewcontroller.h"
+#include "browse/zuvifollowingviewcontroller.h"
+#include "browse/zuvihotregionsettingsviewcontroller.h"
+#include "browse/zuvihotviewcontroller.h"
 #include "browse/zuvisearchresultsviewcontroller.h"
 #include "browse/zuvivideogridviewcontroller.h"
 #include "images/zuviimageloader.h"
@@ -17,6 +21,9 @@
 #include "zuvitesthttpserver.h"
 #include "zuvitestsupport.h"
 
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QQmlComponent>
 #include <QQmlEngine>
 #include <QQmlExtensionPlugin>
@@ -156,6 +163,89 @@ private slots:
         loadPage(&search, QSize(1024, 768));
     }
 
+    void hotPage_data()
+    {
+        QTest::addColumn<bool>("pad");
+        QTest::newRow("pad") << true;
+        QTest::newRow("phone") << false;
+    }
+    void hotPage()
+    {
+        QFETCH(bool, pad);
+        ZuviIdiom::setCurrent(pad ? ZuviIdiom::Pad : ZuviIdiom::Phone);
+        // Signed out: the page shows the account check over its strip.
+        ZuviHotViewController hot(client.get(), defaults.get());
+        hot.viewWillAppear();
+        loadPage(&hot, ZuviIdiom::defaultWindowSize(ZuviIdiom::current()));
+    }
+
+    void hotRegionSettingsPageDragsByTheGrip()
+    {
+        ZuviHotViewController::setVisibleHotRegionKeys({"popular", "1005", "1008"}, defaults.get());
+        ZuviHotRegionSettingsViewController settings(defaults.get());
+        settings.setEditing(true);
+        QQmlEngine engine;
+        QQuickWindow window;
+        window.resize(1024, 768);
+        QQmlComponent component(&engine, settings.pageUrl());
+        std::unique_ptr<QObject> page(component.createWithInitialProperties(
+            {{"controller", QVariant::fromValue(&settings)}}));
+        QVERIFY2(page, qPrintable(component.errorString()));
+        auto *item = qobject_cast<QQuickItem *>(page.get());
+        item->setParentItem(window.contentItem());
+        item->setSize(window.size());
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        // The first shown row's grip (under the bar and the section title),
+        // dragged two rows down.
+        const QPoint grip(1024 - 40 - 24, 44 + 44 + 22);
+        QTest::mousePress(&window, Qt::LeftButton, {}, grip);
+        for (int step = 1; step <= 8; ++step)
+            QTest::mouseMove(&window, grip + QPoint(0, step * 11));
+        QTest::mouseRelease(&window, Qt::LeftButton, {}, grip + QPoint(0, 88));
+        QTRY_COMPARE(ZuviHotViewController::visibleHotRegionKeys(defaults.get()),
+                     (QStringList{"1005", "1008", "popular"}));
+    }
+
+    // The feed with a card of each kind it draws differently, signed in.
+    void followingPage_data()
+    {
+        QTest::addColumn<bool>("pad");
+        QTest::newRow("pad") << true;
+        QTest::newRow("phone") << false;
+    }
+    void followingPage()
+    {
+        QFETCH(bool, pad);
+        ZuviIdiom::setCurrent(pad ? ZuviIdiom::Pad : ZuviIdiom::Phone);
+        defaults.get()->setString(QStringLiteral("SESSDATA=s; DedeUserID=42"),
+                                  QString::fromLatin1(ZuviAPIClient::kCredentialCookieKey));
+        const auto item = [](const QString &id, const QJsonObject &major) {
+            return QJsonObject{
+                {"id_str", id},
+                {"modules", QJsonObject{{"module_author", QJsonObject{{"name", "阿木"}}},
+                                        {"module_dynamic", QJsonObject{{"major", major}}}}}};
+        };
+        const QJsonArray items{
+            item("1", {{"archive", QJsonObject{{"bvid", "BV1a"}, {"title", "片"}}}}),
+            item("2",
+                 {{"draw", QJsonObject{{"items", QJsonArray{QJsonObject{{"src", "x.jpg"}}}}}}}),
+            item("3", {{"draw", QJsonObject{{"items", QJsonArray()}}}}),
+            item("4", {{"article", QJsonObject{{"title", "文"}, {"covers", QJsonArray{"y.jpg"}}}}}),
+            item("5", {})};
+        server.setAnswer(
+            "GET", "/x/polymer/web-dynamic/v1/feed/all",
+            ZuviScriptedAnswer::json(
+                QJsonDocument(QJsonObject{{"code", 0}, {"data", QJsonObject{{"items", items}}}})
+                    .toJson()));
+        ZuviFollowingViewController following(client.get(), &scheduler);
+        following.loadViewIfNeeded();
+        QTRY_VERIFY(!following.rows().isEmpty());
+        loadPage(&following, ZuviIdiom::defaultWindowSize(ZuviIdiom::current()));
+        defaults.get()->setString(QString(),
+                                  QString::fromLatin1(ZuviAPIClient::kCredentialCookieKey));
+    }
+
     void debugLogPage()
     {
         ZuviDebugLogViewController screen(log.get(), &center);
@@ -196,6 +286,7 @@ private slots:
 
     void applicationWindow()
     {
+        ZuviKeyboardShortcuts shortcuts;
         ZuviAppDelegate::Services services;
         services.client = client.get();
         services.defaults = defaults.get();
@@ -204,18 +295,40 @@ private slots:
         services.log = log.get();
         services.imageLoader = images.get();
         services.endpoints = ZuviEndpoints::allOn(server.baseUrl());
+        services.shortcuts = &shortcuts;
         QQmlEngine engine;
-        ZuviAppDelegate delegate(services);
-        QVERIFY(delegate.applicationDidFinishLaunching(&engine));
-        auto *window = qobject_cast<QQuickWindow *>(delegate.window());
+        auto delegate = std::make_unique<ZuviAppDelegate>(services);
+        QVERIFY(delegate->applicationDidFinishLaunching(&engine));
+        auto *window = qobject_cast<QQuickWindow *>(delegate->window());
         QVERIFY(window);
         QCOMPARE(window->size(), QSize(1024, 768));
         QVERIFY(QTest::qWaitForWindowExposed(window));
         // Every tab shows its page.
         for (int i = 0; i < 4; ++i) {
-            delegate.rootTabBarController()->selectTab(i);
+            delegate->rootTabBarController()->selectTab(i);
             QCoreApplication::processEvents();
         }
+
+        // The search key, from another tab, lands in the recommended grid's
+        // search field; what is typed there is text, not keys.
+        QTest::keyClick(window, Qt::Key_F, Qt::ControlModifier);
+        QCOMPARE(delegate->rootTabBarController()->selectedIndex(), 0);
+        QVERIFY(window->activeFocusItem());
+        QVERIFY(window->activeFocusItem()->inherits("QQuickTextInput"));
+        QTest::keyClick(window, Qt::Key_Question, Qt::ShiftModifier, 0);
+        QVERIFY(!shortcuts.isHelpVisible());
+        window->activeFocusItem()->setFocus(false);
+        QTest::keyClick(window, Qt::Key_Question, Qt::ShiftModifier);
+        QVERIFY(shortcuts.isHelpVisible());
+        QCoreApplication::processEvents();
+
+        // The next launch opens the window as this one was left.
+        window->resize(720, 540);
+        QTRY_COMPARE(window->size(), QSize(720, 540));
+        delegate.reset();
+        ZuviAppDelegate next(services);
+        QVERIFY(next.applicationDidFinishLaunching(&engine));
+        QCOMPARE(qobject_cast<QQuickWindow *>(next.window())->size(), QSize(720, 540));
     }
 };
 

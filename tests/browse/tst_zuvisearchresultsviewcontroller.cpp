@@ -3,6 +3,7 @@
 #include "platform/zuviidiom.h"
 #include "views/zuvistateview.h"
 #include "zuvibrowsetestfeed.h"
+#include "zuviscreenlifetimecheck.h"
 
 #include <QAbstractItemModelTester>
 #include <QtTest>
@@ -215,6 +216,36 @@ private slots:
         QCOMPARE(search->keyword(), QStringLiteral("猫"));
         QTRY_VERIFY(!search->isLoading());
         QCOMPARE(service.server.requestCount(path), 1);
+    }
+
+    // Back out of the results while the first or the next page is on its
+    // way: the late answer must find nothing to touch.
+    void leftWhileAPageIsOutstanding_data()
+    {
+        QTest::addColumn<bool>("nextPage");
+        QTest::newRow("first page") << false;
+        QTest::newRow("next page") << true;
+    }
+    void leftWhileAPageIsOutstanding()
+    {
+        QFETCH(bool, nextPage);
+        service.server.setAnswer("GET", path, ZuviBrowseTestService::searchPage("s", 20));
+        if (nextPage) {
+            open("猫");
+            QTRY_VERIFY(!search->isLoading());
+        }
+        service.server.setAnswer("GET", path, ZuviBrowseTestService::searchPage("t", 20, 150));
+        ZuviScreenLifetimeCheck check(&service.server, service.client.get(),
+                                      {&service.clientClock});
+        if (nextPage)
+            scrollFar();
+        else
+            open("狗");
+        QVERIFY(search->isLoading() || search->isLoadingMore());
+        QVERIFY2(check.waitForRequests(1), qPrintable(check.failure()));
+        tester.reset();
+        QVERIFY2(check.destroyAndDrain(search.release()), qPrintable(check.failure()));
+        QCOMPARE(check.requestsAfterDestruction(), 0);
     }
 
     // A new keyword while the old keyword's next page loads: stored, nothing

@@ -5,6 +5,7 @@
 #include "platform/zuvivirtualscheduler.h"
 #include "views/zuvistateview.h"
 #include "zuvibrowsetestfeed.h"
+#include "zuviscreenlifetimecheck.h"
 
 #include <QAbstractItemModelTester>
 #include <QSignalSpy>
@@ -280,6 +281,45 @@ private slots:
         QVERIFY(grid->isLoading());
         QCOMPARE(grid->requestID(), id + 1);
         QTRY_VERIFY(!grid->isLoading());
+    }
+
+    // --- Leaving the screen
+
+    // The grid is deleted while a page is on its way (and, after a drag, its
+    // delayed prefetch cancel is pending); the late answer and the timer
+    // must find nothing to touch.
+    void leftWhileWorkIsOutstanding_data()
+    {
+        QTest::addColumn<QString>("work");
+        QTest::newRow("first page") << "first";
+        QTest::newRow("next page") << "next";
+        QTest::newRow("pull-refresh prefetch") << "prefetch";
+    }
+    void leftWhileWorkIsOutstanding()
+    {
+        QFETCH(QString, work);
+        if (work == "first")
+            recommended();
+        else
+            loadFirstPage();
+        service.server.setAnswer("GET", feed, ZuviBrowseTestService::feedPage("b", 20, 150));
+        ZuviScreenLifetimeCheck check(&service.server, service.client.get(),
+                                      {scheduler.get(), &service.clientClock});
+        if (work == "first") {
+            grid->loadViewIfNeeded();
+            QVERIFY(grid->isLoading());
+        } else if (work == "next") {
+            scrollNearEnd();
+            QVERIFY(grid->isLoadingMore());
+        } else {
+            dragTo(-50);
+            QVERIFY(grid->isPullRefreshPrefetching());
+        }
+        grid->gridDidEndDragging(false);
+        QVERIFY2(check.waitForRequests(1), qPrintable(check.failure()));
+        tester.reset();
+        QVERIFY2(check.destroyAndDrain(grid.release()), qPrintable(check.failure()));
+        QCOMPARE(check.requestsAfterDestruction(), 0);
     }
 
     void staticListReselectDoesNothing()

@@ -190,10 +190,13 @@ void TestZuviRemoteConfig::failoverInstallsSecondSource()
     }
 
     // Both cache files: the raw bytes and the metadata property list.
+    // The service writes the data file first and the metadata just after, on
+    // its own queue: wait for both.
     QTRY_COMPARE(readFile(m_config->cacheDataPath()), kDocumentA);
-    const auto metadata =
-        ZuviPropertyList::dictionaryFromXmlData(readFile(m_config->cacheMetadataPath()));
-    QVERIFY(metadata.has_value());
+    std::optional<QVariantMap> metadata;
+    QTRY_VERIFY((metadata = ZuviPropertyList::dictionaryFromXmlData(
+                     readFile(m_config->cacheMetadataPath())))
+                    .has_value());
     QCOMPARE(metadata->value("sourceURL").toString(), url("/second.json"));
     QCOMPARE(metadata->value("etag").toString(), QStringLiteral("\"e1\""));
     QCOMPARE(metadata->value("lastModified").toString(), QString::fromLatin1(kLastModified));
@@ -334,10 +337,10 @@ void TestZuviRemoteConfig::identicalBytesAnnouncedOnce()
     QCOMPARE(count(ZuviRemoteConfig::kDidUpdateNotification), 1);
     QCOMPARE(count(ZuviRemoteConfig::kMessageDidUpdateNotification), 1);
     // The new validators are kept and written to the metadata.
-    const auto metadata =
-        ZuviPropertyList::dictionaryFromXmlData(readFile(m_config->cacheMetadataPath()));
-    QVERIFY(metadata.has_value());
-    QCOMPARE(metadata->value("etag").toString(), QStringLiteral("\"e2\""));
+    std::optional<QVariantMap> metadata;
+    QTRY_VERIFY((metadata = ZuviPropertyList::dictionaryFromXmlData(
+                     readFile(m_config->cacheMetadataPath()))) &&
+                metadata->value("etag").toString() == QStringLiteral("\"e2\""));
     refresh(&result);
     QCOMPARE(m_server->requests().last().header("If-None-Match"), QByteArray("\"e2\""));
 }

@@ -1,5 +1,6 @@
 // The preview tool's stand-in movie: its playback clock under pause, seeks
 // and 2× rate, and the keys, on a hand-moved wall clock.
+#include "../../tools/danmaku-preview/zuvidanmakupreviewoptions.h"
 #include "../../tools/danmaku-preview/zuvidanmakupreviewplayer.h"
 #include "danmaku/zuvidanmakuoverlayview.h"
 
@@ -47,6 +48,8 @@ class TestZuviDanmakuPreviewPlayer : public QObject
 private slots:
     void clockPausesSeeksAndSpeedsUp();
     void sizeKeySwitchesIdiomAndWindow();
+    void settingsFromOptions_data();
+    void settingsFromOptions();
 };
 
 void TestZuviDanmakuPreviewPlayer::clockPausesSeeksAndSpeedsUp()
@@ -108,6 +111,61 @@ void TestZuviDanmakuPreviewPlayer::sizeKeySwitchesIdiomAndWindow()
     QVERIFY(bench.overlay.isPadIdiom());
     QCOMPARE(bench.window.size(), QSize(1024, 768));
     QVERIFY(bench.counters.property("text").toString().contains(QStringLiteral(" pad ")));
+}
+
+void TestZuviDanmakuPreviewPlayer::settingsFromOptions_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QString>("error");
+
+    QTest::newRow("none") << QStringList{} << "";
+    QTest::newRow("look") << QStringList{"--opacity", "40", "--text-size", "160",
+                                         "--speed",   "2",  "--area",      "three-quarters"}
+                          << "";
+    QTest::newRow("choice") << QStringList{"--hide",  "top,colored",
+                                           "--block", "剧透",
+                                           "--block", "/^2+$/",
+                                           "--merge", "--merge-window",
+                                           "8",       "--reduced-motion"}
+                            << "";
+    QTest::newRow("bad area") << QStringList{"--area", "most"} << "unknown area \"most\"";
+    QTest::newRow("bad kind") << QStringList{"--hide", "top,side"} << "unknown kind \"side\"";
+    QTest::newRow("no file") << QStringList{"--block-file", "/nonexistent/rules.txt"}
+                             << "cannot read /nonexistent/rules.txt";
+}
+
+void TestZuviDanmakuPreviewPlayer::settingsFromOptions()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QString, error);
+
+    QCommandLineParser parser;
+    parser.addOptions(ZuviDanmakuPreviewOptions::options());
+    QVERIFY(parser.parse(QStringList{"preview"} + arguments));
+    ZuviDanmakuSettings settings;
+    QString problem;
+    QCOMPARE(ZuviDanmakuPreviewOptions::settingsFromParser(parser, &settings, &problem),
+             error.isEmpty());
+    QCOMPARE(problem, error);
+    if (!error.isEmpty())
+        return;
+    // Each option lands in its own setting; the rest keep their defaults.
+    ZuviDanmakuSettings expected;
+    if (arguments.contains("--opacity")) {
+        expected.opacityPercent = 40;
+        expected.textScalePercent = 160;
+        expected.speed = 2;
+        expected.displayArea = ZuviDanmakuSettings::ThreeQuartersArea;
+    }
+    if (arguments.contains("--hide")) {
+        expected.showsTop = false;
+        expected.showsColored = false;
+        expected.blockListText = QStringLiteral("剧透\n/^2+$/");
+        expected.mergesRepeats = true;
+        expected.mergeWindow = 8;
+        expected.reducedMotion = true;
+    }
+    QCOMPARE(settings, expected);
 }
 
 QTEST_MAIN(TestZuviDanmakuPreviewPlayer)

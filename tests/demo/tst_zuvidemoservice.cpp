@@ -27,6 +27,7 @@ private slots:
     void sameSeedSameAnswers();
     void rankingFollowsRegion();
     void searchPagesWithHighlights();
+    void followingFeedFollowsTheServiceOrigin();
     void mediaAnswersRanges_data();
     void mediaAnswersRanges();
     void thumbnailsAtTheAskedSize_data();
@@ -127,8 +128,11 @@ void TestZuviDemoService::sameSeedSameAnswers()
     ZuviDemoTestClient otherClient(other->port());
     const QString path = "/x/web-interface/popular?pn=2&ps=30";
     // Addresses carry each service's own port; the rest must be identical.
+    // Only the port after the host is replaced: the digits of a port may
+    // also occur inside an id.
     const auto normalised = [](const ZuviDemoTestClient::Result &result, quint16 port) {
-        return QString::fromUtf8(result.response.body).replace(QString::number(port), "PORT");
+        return QString::fromUtf8(result.response.body)
+            .replace(QStringLiteral("127.0.0.1:%1").arg(port), QStringLiteral("127.0.0.1:PORT"));
     };
     const QString mine = normalised(m_client->get(path), m_service->port());
     QVERIFY(mine.contains("\"list\""));
@@ -148,6 +152,15 @@ void TestZuviDemoService::rankingFollowsRegion()
     }
     // An unknown region is refused, which sends the client to the older ranking.
     QCOMPARE(m_client->get("/x/web-interface/ranking/v2?rid=4242&type=all").code(), -404);
+    // Asked as the web ranking page asks, a member must be signed in and come
+    // from the region's own ranking page.
+    const QString web = "/x/web-interface/ranking/v2?rid=1008&type=all&web_location=333.934";
+    const ZuviHeaderPairs fromGamePage{{"Referer", "http://web.test/v/popular/rank/game"}};
+    QCOMPARE(m_client->get(web, fromGamePage).code(), -101);
+    signIn(*m_client);
+    QCOMPARE(m_client->get(web, fromGamePage).code(), 0);
+    QCOMPARE(m_client->get(web, {{"Referer", "http://web.test/v/popular/rank/douga"}}).code(),
+             -412);
 }
 
 void TestZuviDemoService::searchPagesWithHighlights()
@@ -175,6 +188,65 @@ void TestZuviDemoService::searchPagesWithHighlights()
     QCOMPARE(beyond.data().value("result").toArray().size(), 0);
     QCOMPARE(m_client->get("/x/web-interface/search/type?search_type=video&keyword=&page=1").code(),
              -400);
+}
+
+// Every address the feed hands out names the port the service really runs
+// on (not the default one) and answers; the feed pages on by offset to its
+// end, and every page holds posts of each kind beside its videos.
+void TestZuviDemoService::followingFeedFollowsTheServiceOrigin()
+{
+    signIn(*m_client);
+    const QString origin = m_service->origin();
+    QVERIFY(!origin.endsWith(":8470"));
+    QString offset;
+    int pages = 0;
+    QStringList addresses;
+    const std::function<void(const QJsonValue &)> collect = [&](const QJsonValue &value) {
+        if (value.isString() && value.toString().startsWith("http"))
+            addresses << value.toString();
+        if (value.isObject()) {
+            const QJsonObject object = value.toObject();
+            for (auto it = object.begin(); it != object.end(); ++it)
+                collect(it.value());
+        } else if (value.isArray()) {
+            for (const QJsonValue &child : value.toArray())
+                collect(child);
+        } else if (value.isString() && value.toString().startsWith('{')) {
+            // The live card's content is JSON inside a string.
+            collect(QJsonDocument::fromJson(value.toString().toUtf8()).object());
+        }
+    };
+    bool more = true;
+    while (more) {
+        const auto page = m_client->get("/x/polymer/web-dynamic/v1/feed/all?type=all&page=1" +
+                                        (offset.isEmpty() ? QString() : "&offset=" + offset));
+        QCOMPARE(page.code(), 0);
+        const QJsonArray items = page.data().value("items").toArray();
+        QCOMPARE(items.size(), ZuviDemoContent::kFeedPageSize);
+        QSet<QString> majors;
+        for (const QJsonValue &item : items) {
+            const QJsonObject dynamic =
+                item.toObject().value("modules").toObject().value("module_dynamic").toObject();
+            const QStringList keys = dynamic.value("major").toObject().keys();
+            majors.insert(keys.isEmpty() ? "text" : keys.first());
+        }
+        QCOMPARE(majors, (QSet<QString>{"archive", "live_rcmd", "article", "draw", "text"}));
+        collect(page.data());
+        offset = page.data().value("offset").toString();
+        more = page.data().value("has_more").toBool();
+        QVERIFY(++pages <= ZuviDemoContent::kFeedItemCount);
+    }
+    QVERIFY(pages >= 5);
+    QVERIFY(!addresses.isEmpty());
+    for (const QString &address : std::as_const(addresses))
+        QVERIFY2(address.startsWith(origin + "/"), qPrintable(address));
+    // A picture of each family among them is served.
+    for (const QString family : {"/img/face/", "/img/cover/", "/img/pic/"}) {
+        const auto found = std::find_if(addresses.cbegin(), addresses.cend(),
+                                        [&](const QString &a) { return a.contains(family); });
+        QVERIFY2(found != addresses.cend(), qPrintable(family));
+        QCOMPARE(m_client->get(found->mid(origin.size())).response.statusCode, 200);
+    }
 }
 
 void TestZuviDemoService::mediaAnswersRanges_data()
@@ -251,6 +323,10 @@ void TestZuviDemoService::configurationRevalidates()
     const QJsonObject message = first.json().value("message").toObject();
     QCOMPARE(message.value("version").toInt(), 1);
     QVERIFY(!message.value("text").toString().isEmpty());
+    // The first message's picture is served by this service, on its own port.
+    const QString picture = message.value("image").toString();
+    QVERIFY2(picture.startsWith(m_service->origin() + "/img/pic/"), qPrintable(picture));
+    QCOMPARE(m_client->get(QUrl(picture).path()).response.statusCode, 200);
     const QByteArray etag = first.response.header("ETag");
     const QByteArray lastModified = first.response.header("Last-Modified");
     QVERIFY(!etag.isEmpty() && !lastModified.isEmpty());

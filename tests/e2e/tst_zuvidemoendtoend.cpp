@@ -226,12 +226,6 @@ void TestZuviDemoEndToEnd::everyListAnswers_data()
     QTest::newRow("popular") << QStringList{"popular", "--page", "2", "--page-size", "20"} << 20;
     QTest::newRow("recommended") << QStringList{"recommended", "--page", "3", "--page-size", "12"}
                                  << 12;
-    QTest::newRow("ranking") << QStringList{"ranking", "--rid",       "1005", "--route",
-                                            "douga",   "--page-size", "30"}
-                             << -1;
-    QTest::newRow("ranking all") << QStringList{"ranking", "--rid",       "0", "--route",
-                                                "all",     "--page-size", "50"}
-                                 << 50;
     QTest::newRow("region ranking") << QStringList{"region-ranking", "--rid", "1008"} << -1;
     QTest::newRow("search") << QStringList{"search", "--keyword", "动画", "--page", "1"} << 20;
     QTest::newRow("related") << QStringList{"related", "--bvid", video.bvid} << 20;
@@ -391,6 +385,9 @@ void TestZuviDemoEndToEnd::signedOutBehaviour()
     QCOMPARE(like.error().value("code").toInt(), 741);
     const Run following = cli({"following"});
     QCOMPARE(following.error().value("code").toInt(), -101);
+    // The web ranking is for signed-in members only.
+    const Run ranking = cli({"ranking", "--rid", "1005", "--route", "douga"});
+    QCOMPARE(ranking.error().value("code").toInt(), -101);
 }
 
 void TestZuviDemoEndToEnd::loginActionsAndTheirEffects()
@@ -401,6 +398,15 @@ void TestZuviDemoEndToEnd::loginActionsAndTheirEffects()
     QCOMPARE(qint64(nav.json.toObject().value("mid").toDouble()), ZuviDemoContent::kDemoMID);
     QCOMPARE(nav.json.toObject().value("userName").toString(), QStringLiteral("演示用户"));
     QVERIFY(nav.json.toObject().value("followerText").toString().startsWith("粉丝 "));
+
+    // Signed in, every region's web ranking answers with its own list; the
+    // whole-site one fills the page.
+    const Run all = cli({"ranking", "--rid", "0", "--route", "all", "--page-size", "50"});
+    QCOMPARE(all.json.toArray().size(), 50);
+    const Run douga = cli({"ranking", "--rid", "1005", "--route", "douga", "--page-size", "30"});
+    const Run game = cli({"ranking", "--rid", "1008", "--route", "game", "--page-size", "30"});
+    QVERIFY2(!douga.json.toArray().isEmpty(), douga.out.constData());
+    QVERIFY(douga.json.toArray().first() != game.json.toArray().first());
 
     const ZuviDemoVideo &video = m_content->videos().at(77);
     const QString aid = QString::number(video.aid);

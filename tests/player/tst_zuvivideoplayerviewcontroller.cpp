@@ -4,6 +4,7 @@
 #include "browse/zuvivideoscreenopener.h"
 #include "danmaku/zuvidanmakuoverlayview.h"
 #include "player/zuvivideoplayerviewcontroller.h"
+#include "zuviplayertestscreen.h"
 #include "zuviscriptedmovieplayer.h"
 
 #include <QQuickWindow>
@@ -14,53 +15,10 @@
 using Controller = ZuviVideoPlayerViewController;
 using Player = ZuviMoviePlayer;
 
+using namespace ZuviPlayerTest;
+
 namespace {
-const QString kDetailPath = QStringLiteral("/x/web-interface/view");
-const QString kPlayURLPath = QStringLiteral("/x/player/playurl");
-const QString kDanmakuPath = QStringLiteral("/x/v1/dm/list.so");
 constexpr double kPi = 3.14159265358979323846;
-
-QByteArray detailJson(int pageCount = 1)
-{
-    QJsonArray pages;
-    for (int i = 0; i < pageCount; ++i)
-        pages.append(
-            QJsonObject{{"cid", 500 + i}, {"page", i + 1}, {"part", QString("P%1").arg(i + 1)}});
-    const QJsonObject data{{"bvid", "BV1test"},
-                           {"aid", 42},
-                           {"cid", 500},
-                           {"title", "测试视频"},
-                           {"owner", QJsonObject{{"name", "UP"}}},
-                           {"pages", pages}};
-    return QJsonDocument(QJsonObject{{"code", 0}, {"data", data}}).toJson();
-}
-
-QByteArray playJson(int quality)
-{
-    const QJsonObject data{{"quality", quality},
-                           {"durl", QJsonArray{QJsonObject{{"url", "http://127.0.0.1:9/v.mp4"}}}}};
-    return QJsonDocument(QJsonObject{{"code", 0}, {"data", data}}).toJson();
-}
-
-QByteArray dashOnlyJson()
-{
-    const QJsonObject data{{"quality", 64}, {"dash", QJsonObject{}}};
-    return QJsonDocument(QJsonObject{{"code", 0}, {"data", data}}).toJson();
-}
-
-const QByteArray kDanmakuXml =
-    "<i><d p=\"1.0,1,25,16777215\">一</d><d p=\"3.5,1,25,255\">二</d></i>";
-
-ZuviVideoItem listItem(qint64 cid = 500)
-{
-    ZuviVideoItem item;
-    item.title = QStringLiteral("列表标题");
-    item.bvid = QStringLiteral("BV1test");
-    item.aid = 42;
-    item.cid = cid;
-    item.ownerName = QStringLiteral("UP");
-    return item;
-}
 } // namespace
 
 class TestVideoPlayerViewController : public QObject

@@ -314,3 +314,9 @@ int ZuviTestHttpServer::maxInFlight() const
     QMutexLocker lock(&m_mutex);
     return m_maxInFlight;
 }
+
+int ZuviTestHttpServer::inFlight() const
+{
+    QMutexLocker lock(&m_mutex);
+    return m_inFlight;
+}

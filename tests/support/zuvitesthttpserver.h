@@ -83,6 +83,9 @@ public:
     void clearRequests();
     // The most requests that were received and not yet answered at one time.
     int maxInFlight() const;
+    // Requests received and not yet answered now (a request never answered
+    // stays in flight).
+    int inFlight() const;
 
 private:
     friend class ZuviTestHttpServerWorker;

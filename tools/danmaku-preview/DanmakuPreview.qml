@@ -2,10 +2,14 @@ import QtQuick
 import Zuvi
 
 // A stand-in for a movie picture: slowly drifting coloured bars under the
-// danmaku overlay, with the live counters along the bottom edge.
+// danmaku overlay, with the density graph and the live counters along the
+// bottom edge.
 Rectangle {
     id: root
     color: "#1d2633"
+
+    // Set by the tool with --panel: the settings panel then shows on the right.
+    property ZuviDanmakuSettingsController settingsController: null
 
     Row {
         id: bars
@@ -40,11 +44,35 @@ Rectangle {
     }
 
     ZuviDanmakuOverlayView {
+        id: overlay
         objectName: "overlay"
         anchors.fill: parent
     }
 
+    // How busy each moment of the document is, from what the settings keep.
+    ZuviDanmakuDensityGraph {
+        objectName: "density"
+        overlay: overlay
+        anchors.left: parent.left
+        anchors.right: parent.right
+        anchors.bottom: countersBar.top
+        height: 28
+    }
+
+    Loader {
+        active: root.settingsController !== null
+        anchors.right: parent.right
+        anchors.top: parent.top
+        anchors.bottom: countersBar.top
+        anchors.margins: 16
+        width: 360
+        sourceComponent: DanmakuSettingsPanel {
+            controller: root.settingsController
+        }
+    }
+
     Rectangle {
+        id: countersBar
         anchors.left: parent.left
         anchors.right: parent.right
         anchors.bottom: parent.bottom

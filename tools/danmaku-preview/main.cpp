@@ -1,18 +1,27 @@
 // oldzuvi-danmaku-preview FILE.xml: plays a danmaku document over a moving
-// test picture in real time, the overlay's manual test bench.
+// test picture in real time, the overlay's manual test bench. The viewer's
+// danmaku settings are options (see ZuviDanmakuPreviewOptions), and the
+// density graph of what they keep runs along the bottom.
 #include "danmaku/zuvidanmakuoverlayview.h"
+#include "danmaku/zuvidanmakusettingscontroller.h"
 #include "model/zuvidanmakuxmlparser.h"
+#include "platform/zuvidefaults.h"
+#include "platform/zuvinotificationcenter.h"
+#include "zuvidanmakupreviewoptions.h"
 #include "zuvidanmakupreviewplayer.h"
 
 #include <QCommandLineParser>
 #include <QFile>
 #include <QGuiApplication>
+#include <QQmlEngine>
 #include <QQmlExtensionPlugin>
 #include <QQuickItem>
 #include <QQuickView>
+#include <QTemporaryDir>
 #include <QTimer>
 
 #include <cstdio>
+#include <memory>
 
 Q_IMPORT_QML_PLUGIN(ZuviPlugin)
 
@@ -50,10 +59,20 @@ int main(int argc, char *argv[])
                                           "Grab the window after SECONDS and exit.", "SECONDS");
     const QCommandLineOption shotOption("screenshot", "Where the grab goes (PNG).", "OUT.png",
                                         "danmaku-preview.png");
-    options.addOptions({startOption, idiomOption, shotAtOption, shotOption});
+    const QCommandLineOption panelOption(
+        "panel", "Show the settings panel, which changes the running preview (the settings "
+                 "start from the options and are kept in a scratch store, not the app's).");
+    options.addOptions({startOption, idiomOption, shotAtOption, shotOption, panelOption});
+    options.addOptions(ZuviDanmakuPreviewOptions::options());
     options.process(app);
     if (options.positionalArguments().size() != 1)
         options.showHelp(2);
+    ZuviDanmakuSettings settings;
+    QString problem;
+    if (!ZuviDanmakuPreviewOptions::settingsFromParser(options, &settings, &problem)) {
+        std::fprintf(stderr, "%s\n", qPrintable(problem));
+        return 2;
+    }
 
     QList<ZuviDanmakuItem> items;
     if (!readDocument(options.positionalArguments().first(), &items))
@@ -65,12 +84,31 @@ int main(int argc, char *argv[])
     QQuickView view;
     view.setTitle(QStringLiteral("oldZuvi danmaku preview"));
     view.setResizeMode(QQuickView::SizeRootObjectToView);
+    // Qt 6.4 keeps the module's qmldir under :/Zuvi/, where QML files of the
+    // module (the settings panel) are found only with this import path.
+    view.engine()->addImportPath(QStringLiteral("qrc:/"));
     view.setSource(QUrl(QStringLiteral("qrc:/danmaku-preview/DanmakuPreview.qml")));
     if (view.status() != QQuickView::Ready)
         return 1;
     auto *overlay = view.rootObject()->findChild<ZuviDanmakuOverlayView *>("overlay");
     QObject *counters = view.rootObject()->findChild<QObject *>("counters");
     overlay->setPadIdiom(idiom == ZuviIdiom::Pad);
+    overlay->setDanmakuSettings(settings);
+    QTemporaryDir scratchFolder;
+    std::unique_ptr<ZuviDefaults> scratch;
+    if (options.isSet(panelOption)) {
+        // The panel writes the store and the overlay follows it, as in the app.
+        scratch = std::make_unique<ZuviDefaults>(scratchFolder.filePath("defaults.ini"));
+        settings.saveToDefaults(*scratch);
+        ZuviNotificationCenter *center = ZuviNotificationCenter::defaultCenter();
+        overlay->followStoredSettings(scratch.get(), center);
+        view.rootObject()->setProperty(
+            "settingsController",
+            QVariant::fromValue(new ZuviDanmakuSettingsController(scratch.get(), center, &view)));
+    }
+    const QString blockProblems = overlay->engine()->blockList().problemText();
+    if (!blockProblems.isEmpty())
+        std::fprintf(stderr, "%s\n", qPrintable(blockProblems));
     overlay->setDanmakuItems(items);
     view.resize(ZuviIdiom::defaultWindowSize(idiom));
     view.show();

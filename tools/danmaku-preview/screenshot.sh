@@ -1,9 +1,11 @@
 #!/bin/sh
-# Usage: screenshot.sh BUILD_DIR OUT.png [idiom]
+# Usage: screenshot.sh BUILD_DIR OUT.png [idiom [preview options...]]
 # Writes a dense danmaku document (scrolling, top and bottom items, in many
 # colours and sizes), plays it in oldzuvi-danmaku-preview under Xvfb from
-# 20 s in, and saves a grab of the window taken 15 s later, when the stream
-# has settled (labels from the first seconds have flown out), to OUT.png.
+# 20 s in, and saves a grab of the window taken 15 s later (or
+# OLDZUVI_PREVIEW_SHOT_AT seconds), when the stream has settled (labels from
+# the first seconds have flown out), to OUT.png. Options after the idiom go
+# to the preview tool (--opacity 40, --area half, --reduced-motion, ...).
 set -eu
 
 if [ $# -lt 2 ]; then
@@ -13,6 +15,8 @@ fi
 build_dir=$1
 out=$2
 idiom=${3:-pad}
+shift $(( $# < 3 ? $# : 3 ))
+shot_at=${OLDZUVI_PREVIEW_SHOT_AT:-15}
 preview="$build_dir/bin/oldzuvi-danmaku-preview"
 [ -x "$preview" ] || { echo "$preview is not built" >&2; exit 1; }
 
@@ -49,4 +53,5 @@ awk 'BEGIN {
 }' > "$document"
 
 xvfb-run -a -s "-screen 0 1280x1024x24" \
-  "$preview" "$document" --idiom "$idiom" --start 20 --screenshot-at 15 --screenshot "$out"
+  "$preview" "$document" --idiom "$idiom" --start 20 --screenshot-at "$shot_at" \
+  --screenshot "$out" "$@"

@@ -1,0 +1,151 @@
+#include "zuvidanmakudensitygraph.h"
+
+#include "zuvidanmakudensity.h"
+#include "zuvidanmakuoverlayview.h"
+
+#include <QSGFlatColorMaterial>
+#include <QSGGeometryNode>
+
+#include <algorithm>
+
+ZuviDanmakuDensityGraph::ZuviDanmakuDensityGraph(QQuickItem *parent) : QQuickItem(parent)
+{
+    setFlag(ItemHasContents, true);
+    setVisible(false); // until there is something to count
+}
+
+void ZuviDanmakuDensityGraph::setOverlay(ZuviDanmakuOverlayView *overlay)
+{
+    if (overlay == m_overlay)
+        return;
+    QObject::disconnect(m_overlayConnection);
+    QObject::disconnect(m_overlayGoneConnection);
+    m_overlay = overlay;
+    if (overlay) {
+        m_overlayConnection = connect(overlay, &ZuviDanmakuOverlayView::danmakuItemsChanged, this,
+                                      &ZuviDanmakuDensityGraph::recount);
+        // A graph whose overlay went (its screen closed) shows nothing.
+        m_overlayGoneConnection = connect(overlay, &QObject::destroyed, this, [this] {
+            m_overlay = nullptr;
+            recount();
+        });
+    }
+    recount();
+    emit overlayChanged();
+}
+
+void ZuviDanmakuDensityGraph::setDanmakuItems(const QList<ZuviDanmakuItem> &items)
+{
+    setOverlay(nullptr);
+    m_items = items;
+    recount();
+}
+
+void ZuviDanmakuDensityGraph::setDuration(double duration)
+{
+    if (duration == m_duration)
+        return;
+    m_duration = duration;
+    recount();
+    emit durationChanged();
+}
+
+void ZuviDanmakuDensityGraph::setSliceCount(int count)
+{
+    count = std::max(1, count);
+    if (count == m_sliceCount)
+        return;
+    m_sliceCount = count;
+    recount();
+    emit sliceCountChanged();
+}
+
+void ZuviDanmakuDensityGraph::setColor(const QColor &color)
+{
+    if (color == m_color)
+        return;
+    m_color = color;
+    markDirty();
+    emit colorChanged();
+}
+
+void ZuviDanmakuDensityGraph::recount()
+{
+    const QList<ZuviDanmakuItem> &items = m_overlay ? m_overlay->engine()->danmakuItems() : m_items;
+    QVector<int> counts = ZuviDanmakuDensity::countsPerSlice(items, m_duration, m_sliceCount);
+    if (counts == m_counts)
+        return;
+    m_counts = std::move(counts);
+    setVisible(hasData());
+    markDirty();
+    emit countsChanged();
+}
+
+double ZuviDanmakuDensityGraph::peakTime() const
+{
+    if (m_counts.isEmpty())
+        return -1;
+    const auto peak = std::max_element(m_counts.begin(), m_counts.end());
+    const double length = m_duration > 0 ? m_duration
+                          : m_overlay    ? m_overlay->engine()->danmakuItems().constLast().time
+                                         : m_items.constLast().time;
+    return (double(peak - m_counts.begin()) + 0.5) * length / m_counts.size();
+}
+
+void ZuviDanmakuDensityGraph::markDirty()
+{
+    m_geometryDirty = true;
+    update();
+}
+
+void ZuviDanmakuDensityGraph::geometryChange(const QRectF &newGeometry, const QRectF &oldGeometry)
+{
+    QQuickItem::geometryChange(newGeometry, oldGeometry);
+    if (newGeometry.size() != oldGeometry.size())
+        markDirty();
+}
+
+// One triangle strip: for every slice a point on the baseline and one at
+// its count's height, at the slice's middle, closed at both ends.
+QSGNode *ZuviDanmakuDensityGraph::updatePaintNode(QSGNode *oldNode, UpdatePaintNodeData *)
+{
+    auto *node = static_cast<QSGGeometryNode *>(oldNode);
+    if (m_counts.isEmpty() || width() <= 0 || height() <= 0) {
+        delete node;
+        return nullptr;
+    }
+    if (node && !m_geometryDirty)
+        return node;
+    if (!node) {
+        node = new QSGGeometryNode;
+        auto *geometry = new QSGGeometry(QSGGeometry::defaultAttributes_Point2D(), 0);
+        geometry->setDrawingMode(QSGGeometry::DrawTriangleStrip);
+        node->setGeometry(geometry);
+        node->setFlag(QSGNode::OwnsGeometry);
+        node->setMaterial(new QSGFlatColorMaterial);
+        node->setFlag(QSGNode::OwnsMaterial);
+    }
+    static_cast<QSGFlatColorMaterial *>(node->material())->setColor(m_color);
+
+    const int slices = int(m_counts.size());
+    const float peak = float(*std::max_element(m_counts.begin(), m_counts.end()));
+    const float w = float(width());
+    const float h = float(height());
+    QSGGeometry *geometry = node->geometry();
+    geometry->allocate(2 * (slices + 2));
+    QSGGeometry::Point2D *points = geometry->vertexDataAsPoint2D();
+    const auto top = [&](int slice) { return h - h * float(m_counts[slice]) / peak; };
+    points[0].set(0, h);
+    points[1].set(0, top(0));
+    for (int i = 0; i < slices; ++i) {
+        const float x = w * (float(i) + 0.5f) / float(slices);
+        points[2 * i + 2].set(x, h);
+        points[2 * i + 3].set(x, top(i));
+    }
+    points[2 * slices + 2].set(w, h);
+    points[2 * slices + 3].set(w, top(slices - 1));
+    node->markDirty(QSGNode::DirtyGeometry | QSGNode::DirtyMaterial);
+    m_geometryDirty = false;
+    ++m_geometryBuilds;
+    return node;
+}

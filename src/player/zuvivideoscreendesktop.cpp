@@ -1,0 +1,45 @@
+#include "zuvivideoscreendesktop.h"
+
+#include "desktop/zuvimovieplayernowplaying.h"
+#include "images/zuviimageurl.h"
+#include "zuvivideoplayerviewcontroller.h"
+
+ZuviVideoScreenDesktop::ZuviVideoScreenDesktop(ZuviVideoPlayerViewController *screen,
+                                               ZuviNowPlaying *nowPlaying,
+                                               ZuviKeyboardShortcuts *shortcuts)
+    : QObject(screen), m_screen(screen),
+      m_connector(new ZuviMoviePlayerNowPlaying(nowPlaying, shortcuts, this))
+{
+    using C = ZuviVideoPlayerViewController;
+    connect(screen, &C::moviePlayerChanged, this, &ZuviVideoScreenDesktop::followPlayer);
+    connect(screen, &C::detailChanged, this, &ZuviVideoScreenDesktop::followDetail);
+    followDetail();
+    followPlayer();
+}
+
+void ZuviVideoScreenDesktop::followPlayer()
+{
+    ZuviMoviePlayer *player = m_screen->moviePlayer();
+    // A new player is made when this screen plays again (back from a
+    // related video, a replay, another page): the controls come back to it
+    // from whatever screen held them in between.
+    if (player)
+        m_connector->takeControls();
+    m_connector->setPlayer(player);
+}
+
+void ZuviVideoScreenDesktop::followDetail()
+{
+    const ZuviVideoItem &item = m_screen->videoItem();
+    const auto &detail = m_screen->detail();
+    ZuviNowPlaying::Track track;
+    // One track per page of a video, so a page change is a new track.
+    track.trackId = QStringLiteral("%1/%2").arg(item.bvid).arg(m_screen->selectedPageIndex());
+    track.title = m_screen->videoTitle();
+    track.artist = detail && !detail->ownerName.isEmpty() ? detail->ownerName : item.ownerName;
+    const QString cover =
+        detail && !detail->coverURLString.isEmpty() ? detail->coverURLString : item.coverURLString;
+    if (!cover.isEmpty())
+        track.artUrl = QUrl(ZuviImageURL::normalizedURLString(cover));
+    m_connector->setTrack(track);
+}
