@@ -44,6 +44,7 @@ Rectangle {
             border.color: "#dddddd"
             ZuviQRCodeView {
                 id: code
+                objectName: "loginCode"
                 anchors.centerIn: parent
                 width: page.imageSide
                 height: page.imageSide

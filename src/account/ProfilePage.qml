@@ -32,6 +32,12 @@ Rectangle {
         ]
         rightContent: [
             BarButton {
+                objectName: "settingsButton"
+                visible: page.controller.hasSettings
+                text: "设置"
+                onClicked: page.controller.settingsButtonTapped()
+            },
+            BarButton {
                 enabled: !page.controller.loadingProfile
                 text: "↻"
                 onClicked: page.controller.refreshButtonTapped()

@@ -9,7 +9,9 @@ Rectangle {
     required property ZuviProfileViewController controller
     readonly property int columns: controller.recentColumnCountForWidth(width)
     readonly property real spacing: 10
-    readonly property real cellWidth: Math.floor((grid.width - (columns - 1) * spacing) / columns)
+    // The cards fill the inner width; the grid is one spacing wider so that
+    // the last column's cell (card plus spacing) fits beside the others.
+    readonly property real cellWidth: Math.floor((width - 24 - (columns - 1) * spacing) / columns)
 
     radius: 8
     color: "white"

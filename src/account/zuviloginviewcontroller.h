@@ -7,6 +7,7 @@
 
 class ZuviAPIClient;
 class ZuviScheduler;
+struct ZuviError;
 
 // Signs the user in with a QR code: asks the service for a login address and
 // its key, draws the address as a QR code for the phone application to scan,

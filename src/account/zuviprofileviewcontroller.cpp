@@ -293,6 +293,22 @@ void ZuviProfileViewController::logoutButtonTapped()
     emit profileChanged();
 }
 
+void ZuviProfileViewController::setSettingsScreenFactory(ScreenFactory factory)
+{
+    m_settingsFactory = std::move(factory);
+    emit settingsChanged();
+}
+
+void ZuviProfileViewController::settingsButtonTapped()
+{
+    ZuviNavigationController *navigation = navigationController();
+    if (!m_settingsFactory || !navigation)
+        return;
+    ZuviViewController *settings = m_settingsFactory();
+    settings->setHidesBottomBarWhenPushed(true);
+    navigation->pushViewController(settings, true);
+}
+
 void ZuviProfileViewController::zuviLoginViewControllerDidLogin(ZuviLoginViewController *)
 {
     reloadProfile();

@@ -7,6 +7,7 @@
 #include <QList>
 #include <QStringList>
 #include <QUrl>
+#include <functional>
 #include <optional>
 Q_MOC_INCLUDE("browse/zuvivideolistmodel.h")
 
@@ -46,9 +47,13 @@ class ZuviProfileViewController : public ZuviViewController
     Q_PROPERTY(ZuviVideoListModel *recentVideos READ recentVideosModel CONSTANT)
     Q_PROPERTY(QString recentStatusText READ recentStatusText NOTIFY recentChanged)
     Q_PROPERTY(QString brandText READ brandText CONSTANT)
+    Q_PROPERTY(bool hasSettings READ hasSettings NOTIFY settingsChanged)
 
 public:
     static constexpr int kRecentVideoCount = 9;
+    // Makes the settings screen the bar's button opens; the application
+    // shell provides it, and without one the button is not shown.
+    using ScreenFactory = std::function<ZuviViewController *()>;
 
     ZuviProfileViewController(ZuviAPIClient *client, ZuviScheduler *scheduler,
                               QObject *parent = nullptr);
@@ -96,11 +101,15 @@ public:
     Q_INVOKABLE void loginButtonTapped();
     Q_INVOKABLE void selectRecentItem(int row);
     void logoutButtonTapped();
+    void setSettingsScreenFactory(ScreenFactory factory);
+    bool hasSettings() const { return bool(m_settingsFactory); }
+    Q_INVOKABLE void settingsButtonTapped();
     void zuviLoginViewControllerDidLogin(ZuviLoginViewController *controller);
 
 signals:
     void profileChanged();
     void recentChanged();
+    void settingsChanged();
 
 protected:
     void viewDidLoad() override;
@@ -114,6 +123,7 @@ private:
     ZuviAPIClient *m_client;
     ZuviScheduler *m_scheduler;
     ZuviVideoListModel *m_recentModel;
+    ScreenFactory m_settingsFactory;
     std::optional<ZuviUserProfile> m_profile;
     QList<ZuviVideoItem> m_recentVideos;
     QString m_statusMessage;

@@ -3,6 +3,7 @@
 #include "browse/zuvivideoscreenopener.h"
 #include "views/zuvistateview.h"
 #include "zuviaccounttestservice.h"
+#include "zuviscreenlifetimecheck.h"
 
 #include <QAbstractItemModelTester>
 #include <QtTest>
@@ -155,13 +156,16 @@ private slots:
 
     void destroyedWithItsRequestOutstanding()
     {
+        service.server.setAnswer("GET", Service::kHistoryPath, Service::videoList("h", 3, 300));
+        ZuviScreenLifetimeCheck check(&service.server, service.client.get(),
+                                      {&service.screenClock, &service.clientClock});
         open("历史记录", "history");
+        QVERIFY2(check.waitForRequests(1), qPrintable(check.failure()));
         QVERIFY(list->isLoading());
         tester.reset();
-        navigation.reset();
+        QVERIFY2(check.destroyAndDrain(navigation.release()), qPrintable(check.failure()));
         QVERIFY(list.isNull());
-        settle();
-        QCOMPARE(service.server.requestCount(Service::kHistoryPath), 1);
+        QCOMPARE(check.requestsAfterDestruction(), 0);
     }
 };
 

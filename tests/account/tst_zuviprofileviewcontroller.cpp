@@ -4,6 +4,7 @@
 #include "browse/zuvivideolistmodel.h"
 #include "browse/zuvivideoscreenopener.h"
 #include "zuviaccounttestservice.h"
+#include "zuviscreenlifetimecheck.h"
 
 #include <QAbstractItemModelTester>
 #include <QtTest>
@@ -105,7 +106,10 @@ private slots:
     {
         QFETCH(QByteArray, body);
         QFETCH(QString, status);
-        service.server.setAnswer("GET", historyPath, ZuviScriptedAnswer::json(body));
+        // Slow enough that the panel is seen loading once the card is in.
+        ZuviScriptedAnswer answer = ZuviScriptedAnswer::json(body);
+        answer.delayMs = 300;
+        service.server.setAnswer("GET", historyPath, answer);
         openSignedIn();
         QCOMPARE(profile->recentStatusText(), QStringLiteral("正在加载最近观看"));
         QTRY_COMPARE(profile->recentStatusText(), status);
@@ -191,10 +195,11 @@ private slots:
         auto *login = qobject_cast<ZuviLoginViewController *>(navigation->topViewController());
         QVERIFY(login);
         service.server.setAnswer("GET", navPath, Service::signedIn());
+        const int checks = service.server.requestCount(navPath);
         emit login->didLogin(login);
         QVERIFY(profile->isLoadingProfile());
         QTRY_VERIFY(profile->isLoggedIn());
-        QCOMPARE(service.server.requestCount(navPath), 2);
+        QCOMPARE(service.server.requestCount(navPath), checks + 1);
     }
 
     void entriesOpenTheAccountLists_data()
@@ -225,6 +230,20 @@ private slots:
         QVERIFY(list->hidesBottomBarWhenPushed());
         profile->openEntryAtIndex(3);
         QCOMPARE(navigation->depth(), 2);
+    }
+
+    void theSettingsButtonPushesTheShellsSettings()
+    {
+        openSignedIn();
+        profile->settingsButtonTapped();
+        QCOMPARE(navigation->depth(), 1);
+        QVERIFY(!profile->hasSettings());
+        profile->setSettingsScreenFactory([] { return new ZuviUnavailableViewController("设置"); });
+        QVERIFY(profile->hasSettings());
+        profile->settingsButtonTapped();
+        QCOMPARE(navigation->depth(), 2);
+        QCOMPARE(navigation->topViewController()->title(), QStringLiteral("设置"));
+        QVERIFY(navigation->topViewController()->hidesBottomBarWhenPushed());
     }
 
     void aRecentVideoOpensWithItsSourceTitle()
@@ -269,14 +288,22 @@ private slots:
     void destroyedWithItsRequestsOutstanding()
     {
         service.server.setAnswer("GET", navPath, Service::signedIn(300));
+        ZuviScreenLifetimeCheck check(&service.server, service.client.get(),
+                                      {&service.screenClock, &service.clientClock});
         open();
+        QVERIFY2(check.waitForRequests(1), qPrintable(check.failure()));
         QVERIFY(profile->isLoadingProfile());
         tester.reset();
-        navigation.reset();
+        // The nav answer arrives for nobody: no relation or history request
+        // follows it.
+        QVERIFY2(check.destroyAndDrain(navigation.release()), qPrintable(check.failure()));
         QVERIFY(profile.isNull());
-        // The nav answer, then its relation request, arrive for nobody.
-        settle();
-        QCOMPARE(service.server.requestCount(navPath), 1);
+        // The client still finishes its own check (the counts follow the
+        // nav answer); the screen, which would load its recent panel on a
+        // tablet, asks nothing more.
+        QCOMPARE(check.requestsAfterDestruction(), 1);
+        QCOMPARE(service.server.requestCount(relationPath), 1);
+        QCOMPARE(service.server.requestCount(historyPath), 0);
     }
 };
 

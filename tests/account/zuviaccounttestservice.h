@@ -41,7 +41,8 @@ struct ZuviAccountTestService : ZuviBrowseTestService {
         ZuviScriptedAnswer answer = object(
             {{"code", 0}, {"data", QJsonObject{{"code", code}, {"message", message}}}}, delayMs);
         if (code == 0)
-            answer.headers.append({"Set-Cookie", "SESSDATA=s1; Path=/"});
+            answer.headers.append(
+                qMakePair(QByteArray("Set-Cookie"), QByteArray("SESSDATA=s1; Path=/")));
         return answer;
     }
     static ZuviScriptedAnswer signedIn(int delayMs = 0)
