@@ -1,6 +1,8 @@
 #include "zuviappdelegate.h"
 
+#include "account/zuviprofileviewcontroller.h"
 #include "app/zuvidebuglog.h"
+#include "app/zuvisettingsviewcontroller.h"
 #include "browse/zuvifollowingviewcontroller.h"
 #include "browse/zuvihotviewcontroller.h"
 #include "browse/zuvivideogridviewcontroller.h"
@@ -103,10 +105,11 @@ ZuviTabBarController *ZuviAppDelegate::buildRootTabBarController()
     navigationControllerWithRootViewController(
         new ZuviFollowingViewController(m_services.client, m_services.scheduler),
         QStringLiteral("关注"), 2);
-    // The profile tab gets its screen with a later part of the
-    // application; until then it says so.
-    navigationControllerWithRootViewController(
-        new ZuviUnavailableViewController(QStringLiteral("我的")), QStringLiteral("我的"), 3);
+    auto *profile = new ZuviProfileViewController(m_services.client, m_services.scheduler);
+    profile->setSettingsScreenFactory([] {
+        return new ZuviSettingsViewController(ZuviSettingsViewController::sharedServices());
+    });
+    navigationControllerWithRootViewController(profile, QStringLiteral("我的"), 3);
     m_root->setTintColor(Qt::black);
     m_root->setShouldSelectHandler([this](ZuviNavigationController *controller) {
         return tabBarControllerShouldSelectViewController(controller);

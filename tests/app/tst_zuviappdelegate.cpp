@@ -1,3 +1,4 @@
+#include "account/zuviprofileviewcontroller.h"
 #include "app/zuviappdelegate.h"
 #include "app/zuviappearance.h"
 #include "app/zuvidebuglog.h"
@@ -123,12 +124,12 @@ private slots:
             tabs->viewControllerAt(2)->rootViewController());
         QVERIFY(following);
         QCOMPARE(following->title(), QStringLiteral("关注"));
-        // The profile tab says it is not in this build.
-        QObject *profile = tabs->viewControllerAt(3)->rootViewController();
-        auto *state = profile->property("stateView").value<ZuviStateView *>();
-        QVERIFY(state);
-        QCOMPARE(state->mode(), int(ZuviStateView::Empty));
-        QVERIFY(state->message().contains("我的"));
+        // The profile opens the shell's settings.
+        auto *profile = qobject_cast<ZuviProfileViewController *>(
+            tabs->viewControllerAt(3)->rootViewController());
+        QVERIFY(profile);
+        QCOMPARE(profile->title(), QStringLiteral("我的"));
+        QVERIFY(profile->hasSettings());
     }
 
     void tabImageNames_data()

@@ -1,3 +1,6 @@
+#include "account/zuviaccountvideolistviewcontroller.h"
+#include "account/zuviloginviewcontroller.h"
+#include "account/zuviprofileviewcontroller.h"
 #include "app/zuviappdelegate.h"
 #include "app/zuvidebuglog.h"
 #include "app/zuvidebuglogviewcontroller.h"
@@ -253,6 +256,32 @@ private slots:
     {
         ZuviUnavailableViewController screen("关注");
         loadPage(&screen, QSize(320, 568));
+    }
+
+    void accountPages_data()
+    {
+        QTest::addColumn<QString>("screen");
+        QTest::addColumn<bool>("pad");
+        QTest::newRow("login") << "login" << true;
+        QTest::newRow("profile, pad") << "profile" << true;
+        QTest::newRow("profile, phone") << "profile" << false;
+        QTest::newRow("history, phone") << "history" << false;
+    }
+    void accountPages()
+    {
+        QFETCH(QString, screen);
+        QFETCH(bool, pad);
+        ZuviIdiom::setCurrent(pad ? ZuviIdiom::Pad : ZuviIdiom::Phone);
+        std::unique_ptr<ZuviViewController> controller;
+        if (screen == "login")
+            controller.reset(new ZuviLoginViewController(client.get(), &scheduler));
+        else if (screen == "profile")
+            controller.reset(new ZuviProfileViewController(client.get(), &scheduler));
+        else
+            controller.reset(
+                new ZuviAccountVideoListViewController("历史记录", "history", 1, client.get()));
+        controller->loadViewIfNeeded();
+        loadPage(controller.get(), ZuviIdiom::defaultWindowSize(ZuviIdiom::current()));
     }
 
     void applicationWindow()
