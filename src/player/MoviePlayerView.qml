@@ -14,6 +14,7 @@ Rectangle {
     required property ZuviVideoPlayerViewController controller
     readonly property ZuviMoviePlayer player: controller.moviePlayer
     readonly property bool fullscreen: player !== null && player.fullscreen
+    readonly property ZuviPlaybackOptions options: controller.playbackOptions
 
     // No fill under the picture: with a software renderer every pixel drawn
     // is drawn again with each video frame, so only the letterbox bars
@@ -75,6 +76,22 @@ Rectangle {
         }
     }
 
+    // Any movement of the pointer over the picture brings the controls
+    // back; in fullscreen the pointer hides with them.
+    HoverHandler {
+        onPointChanged: root.options.pointerMoved()
+        cursorShape: root.fullscreen && !root.options.controlsVisible ? Qt.BlankCursor
+                                                                      : Qt.ArrowCursor
+    }
+
+    // The controls stay while the viewer works them.
+    Binding {
+        target: root.options
+        property: "controlsInUse"
+        value: speedMenu.visible || qualityMenu.visible || danmakuSettings.visible
+               || volumeSlider.pressed || seekBar.pressed || controlsHover.hovered
+    }
+
     // Whether a press at this point (in this view) is on one of the
     // player's own controls: those never start a gesture on the picture.
     function onControl(position) {
@@ -98,6 +115,9 @@ Rectangle {
             root.controller.fastForwardLongPressBegan()
         }
         onPressedChanged: {
+            // A touch on the picture shows the controls as a pointer does.
+            if (pressed)
+                root.options.pointerMoved()
             if (!pressed && fastForwarding) {
                 fastForwarding = false
                 root.controller.fastForwardLongPressEnded()
@@ -146,7 +166,7 @@ Rectangle {
     Button {
         id: doneButton
         objectName: "doneButton"
-        visible: root.fullscreen
+        visible: root.fullscreen && root.options.controlsVisible
         text: "完成"
         anchors { top: parent.top; left: parent.left; margins: 12 }
         z: 3
@@ -156,11 +176,19 @@ Rectangle {
     Rectangle {
         id: controls
         objectName: "playerControls"
-        visible: root.player !== null
+        visible: root.player !== null && opacity > 0
+        opacity: root.options.controlsVisible ? 1 : 0
         z: 3
         anchors { left: parent.left; right: parent.right; bottom: parent.bottom }
         height: 40
         color: "#a0000000"
+
+        Behavior on opacity {
+            NumberAnimation { duration: 200 }
+        }
+        HoverHandler {
+            id: controlsHover
+        }
 
         RowLayout {
             anchors.fill: parent
@@ -176,6 +204,7 @@ Rectangle {
             }
             Label {
                 objectName: "elapsedLabel"
+                visible: root.width >= 420
                 color: "white"
                 text: root.timeText(root.player ? root.player.currentPlaybackTime : 0)
             }
@@ -206,8 +235,63 @@ Rectangle {
             }
             Label {
                 objectName: "totalLabel"
+                visible: root.width >= 420
                 color: "white"
                 text: root.timeText(root.player ? root.player.duration : 0)
+            }
+            ToolButton {
+                objectName: "muteButton"
+                implicitWidth: 32
+                onClicked: root.options.toggleMute()
+                contentItem: VolumeIcon {
+                    volume: root.options.volume
+                    muted: root.options.muted
+                }
+            }
+            Slider {
+                id: volumeSlider
+                objectName: "volumeSlider"
+                // On a narrow player the seek bar needs the room; the
+                // button and the keys still set the sound.
+                visible: root.width >= 600
+                Layout.preferredWidth: 76
+                from: 0
+                to: 1
+                value: pressed ? value : (root.options.muted ? 0 : root.options.volume)
+                onMoved: {
+                    root.options.muted = false
+                    root.options.volume = value
+                }
+            }
+            ToolButton {
+                id: speedButton
+                objectName: "speedButton"
+                text: root.options.speedButtonTitle
+                palette.buttonText: "white"
+                onClicked: speedMenu.toggle()
+
+                PlayerOptionMenu {
+                    id: speedMenu
+                    objectName: "speedMenu"
+                    titles: root.options.speedTitles
+                    checkedIndex: root.options.speedIndex
+                    onChosen: index => root.options.chooseSpeed(index)
+                }
+            }
+            ToolButton {
+                id: qualityButton
+                objectName: "qualityButton"
+                text: root.options.switchingQuality ? "切换中…" : root.options.qualityButtonTitle
+                palette.buttonText: "white"
+                onClicked: qualityMenu.toggle()
+
+                PlayerOptionMenu {
+                    id: qualityMenu
+                    objectName: "qualityMenu"
+                    titles: root.options.qualityTitles
+                    checkedIndex: root.options.qualityIndex
+                    onChosen: index => root.options.chooseQuality(index)
+                }
             }
             Switch {
                 objectName: "danmakuSwitch"
@@ -215,6 +299,7 @@ Rectangle {
                 onToggled: root.controller.danmakuEnabled = checked
             }
             Label {
+                visible: root.width >= 480
                 color: "white"
                 text: "弹幕"
             }

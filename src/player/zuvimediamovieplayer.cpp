@@ -1,5 +1,6 @@
 #include "zuvimediamovieplayer.h"
 
+#include <QAudio>
 #include <QLoggingCategory>
 #include <QMediaMetaData>
 #include <QTimer>
@@ -217,6 +218,16 @@ double ZuviMediaMoviePlayer::currentPlaybackRate() const
 void ZuviMediaMoviePlayer::setCurrentPlaybackRate(double rate)
 {
     m_player.setPlaybackRate(rate);
+}
+
+void ZuviMediaMoviePlayer::setVolume(double volume)
+{
+    m_volume = qBound(0.0, volume, 1.0);
+    // The output's volume is the signal's amplitude; an ear hears it on a
+    // logarithmic scale, so a linear slider would do all its work at the
+    // bottom end.
+    m_audio.setVolume(float(QAudio::convertVolume(m_volume, QAudio::LogarithmicVolumeScale,
+                                                  QAudio::LinearVolumeScale)));
 }
 
 int ZuviMediaMoviePlayer::loadStateForStatus(QMediaPlayer::MediaStatus status, float bufferProgress)

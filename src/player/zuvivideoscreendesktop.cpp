@@ -1,5 +1,6 @@
 #include "zuvivideoscreendesktop.h"
 
+#include "app/zuvikeyboardshortcuts.h"
 #include "desktop/zuvimovieplayernowplaying.h"
 #include "images/zuviimageurl.h"
 #include "zuvivideoplayerviewcontroller.h"
@@ -15,6 +16,29 @@ ZuviVideoScreenDesktop::ZuviVideoScreenDesktop(ZuviVideoPlayerViewController *sc
     connect(screen, &C::detailChanged, this, &ZuviVideoScreenDesktop::followDetail);
     followDetail();
     followPlayer();
+    if (shortcuts)
+        bindScreenKeys(shortcuts);
+}
+
+void ZuviVideoScreenDesktop::bindScreenKeys(ZuviKeyboardShortcuts *shortcuts)
+{
+    using Keys = ZuviKeyboardShortcuts;
+    ZuviVideoPlayerViewController *screen = m_screen;
+    ZuviPlaybackOptions *options = screen->playbackOptions();
+    shortcuts->bind(Keys::VolumeUp, this, [options] { options->stepVolume(1); });
+    shortcuts->bind(Keys::VolumeDown, this, [options] { options->stepVolume(-1); });
+    shortcuts->bind(Keys::Mute, this, [options] {
+        options->toggleMute();
+        options->pointerMoved();
+    });
+    shortcuts->bind(Keys::SlowerSpeed, this, [options] { options->stepSpeed(-1); });
+    shortcuts->bind(Keys::FasterSpeed, this, [options] { options->stepSpeed(1); });
+    shortcuts->bind(Keys::Fullscreen, this, [screen] { screen->toggleFullscreen(); });
+    shortcuts->bind(
+        Keys::LeaveFullscreen, this, [screen] { screen->escapePressed(); },
+        [screen] { return screen->moviePlayer() && screen->moviePlayer()->isFullscreen(); });
+    shortcuts->bind(Keys::Danmaku, this,
+                    [screen] { screen->setDanmakuEnabledByUser(!screen->isDanmakuEnabled()); });
 }
 
 void ZuviVideoScreenDesktop::followPlayer()
