@@ -50,12 +50,17 @@ void ZuviMoviePlayerNowPlaying::takeControls()
         if (m_player)
             m_player->setCurrentPlaybackRate(rate);
     });
+    connect(m_nowPlaying, &ZuviNowPlaying::volumeRequested, this, [this](double volume) {
+        if (m_writeVolume)
+            m_writeVolume(volume);
+    });
     // What the desktop shows is this screen's again.
     m_nowPlaying->setTrack(m_track);
     if (m_player)
         m_nowPlaying->setRate(m_player->currentPlaybackRate());
     followState();
     followTime();
+    volumeDidChange();
 }
 
 ZuviMoviePlayerNowPlaying::~ZuviMoviePlayerNowPlaying()
@@ -100,6 +105,20 @@ void ZuviMoviePlayerNowPlaying::setPlayer(ZuviMoviePlayer *player)
     }
     followState();
     followTime();
+}
+
+void ZuviMoviePlayerNowPlaying::setVolumeControl(std::function<double()> read,
+                                                 std::function<void(double)> write)
+{
+    m_readVolume = std::move(read);
+    m_writeVolume = std::move(write);
+    volumeDidChange();
+}
+
+void ZuviMoviePlayerNowPlaying::volumeDidChange()
+{
+    if (m_readVolume && holdsControls())
+        m_nowPlaying->setVolume(m_readVolume());
 }
 
 void ZuviMoviePlayerNowPlaying::followState()

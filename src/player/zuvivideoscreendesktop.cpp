@@ -16,6 +16,16 @@ ZuviVideoScreenDesktop::ZuviVideoScreenDesktop(ZuviVideoPlayerViewController *sc
     connect(screen, &C::detailChanged, this, &ZuviVideoScreenDesktop::followDetail);
     followDetail();
     followPlayer();
+    // The desktop's volume is what the viewer hears: none while muted.
+    ZuviPlaybackOptions *options = screen->playbackOptions();
+    m_connector->setVolumeControl(
+        [options] { return options->isMuted() ? 0.0 : options->volume(); },
+        [options](double volume) {
+            options->setMuted(false);
+            options->setVolume(volume);
+        });
+    connect(options, &ZuviPlaybackOptions::volumeChanged, m_connector,
+            &ZuviMoviePlayerNowPlaying::volumeDidChange);
     if (shortcuts)
         bindScreenKeys(shortcuts);
 }
