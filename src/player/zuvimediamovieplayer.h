@@ -55,6 +55,7 @@ private:
     void finishAtEnd();
     static void returnFreedMemory();
     void positionChanged();
+    void applyInitialPlaybackTime();
     void videoFrameArrived();
 
     QMediaPlayer m_player;
@@ -63,6 +64,8 @@ private:
     double m_volume = 1;
     double m_initialPlaybackTime = 0;
     bool m_initialTimeApplied = false;
+    bool m_newMediaLoading = false; // the media of the current address began loading
+    int m_startSeekTries = 0;
     int m_loadState = LoadStateUnknown;
     bool m_fullscreen = false;
     bool m_finished = false;

@@ -87,8 +87,10 @@ void ZuviVideoPlayerViewController::playSwitchedQuality(const QUrl &url, int qua
     m_fastForward->endIfNeeded(player);
     setStateLabel(QStringLiteral("正在播放 %1p").arg(quality), true);
     player->pause();
-    player->setContentURL(url);
+    // The position first: a player may have the new media loaded before
+    // setContentURL returns, and it starts wherever it was told by then.
     player->setInitialPlaybackTime(position);
+    player->setContentURL(url);
     m_playbackOptions->setPlayer(player);
     m_overlay->clearVisibleDanmaku();
     m_overlay->resetForPlaybackTime(position);
