@@ -47,7 +47,9 @@ void ZuviMoviePlayerNowPlaying::takeControls()
     connect(m_nowPlaying, &ZuviNowPlaying::positionRequested, this,
             &ZuviMoviePlayerNowPlaying::seekTo);
     connect(m_nowPlaying, &ZuviNowPlaying::rateRequested, this, [this](double rate) {
-        if (m_player)
+        if (m_writeRate)
+            m_writeRate(rate);
+        else if (m_player)
             m_player->setCurrentPlaybackRate(rate);
     });
     connect(m_nowPlaying, &ZuviNowPlaying::volumeRequested, this, [this](double volume) {
@@ -113,6 +115,11 @@ void ZuviMoviePlayerNowPlaying::setVolumeControl(std::function<double()> read,
     m_readVolume = std::move(read);
     m_writeVolume = std::move(write);
     volumeDidChange();
+}
+
+void ZuviMoviePlayerNowPlaying::setRateControl(std::function<void(double)> write)
+{
+    m_writeRate = std::move(write);
 }
 
 void ZuviMoviePlayerNowPlaying::volumeDidChange()

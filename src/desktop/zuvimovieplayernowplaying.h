@@ -40,6 +40,9 @@ public:
     // volumeDidChange whenever it changes.
     void setVolumeControl(std::function<double()> read, std::function<void(double)> write);
     void volumeDidChange();
+    // Where the desktop's rate requests go instead of straight to the
+    // player, so the screen's speed choice follows them.
+    void setRateControl(std::function<void(double)> write);
 
 private:
     void followState();
@@ -53,4 +56,5 @@ private:
     ZuviNowPlaying::Track m_track;
     std::function<double()> m_readVolume;
     std::function<void(double)> m_writeVolume;
+    std::function<void(double)> m_writeRate;
 };

@@ -130,6 +130,18 @@ void ZuviPlaybackOptions::stepSpeed(int steps)
     pointerMoved();
 }
 
+void ZuviPlaybackOptions::chooseNearestSpeed(double rate)
+{
+    if (!std::isfinite(rate))
+        return;
+    int nearest = 0;
+    for (int i = 1; i < speeds().size(); ++i) {
+        if (std::abs(speeds().at(i) - rate) < std::abs(speeds().at(nearest) - rate))
+            nearest = i;
+    }
+    chooseSpeed(nearest);
+}
+
 QString ZuviPlaybackOptions::speedButtonTitle() const
 {
     return m_speedIndex == kNormalSpeedIndex ? QStringLiteral("倍速")

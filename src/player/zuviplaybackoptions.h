@@ -72,6 +72,8 @@ public:
     Q_INVOKABLE void chooseSpeed(int index);
     // Moves along the list and stays at either end.
     Q_INVOKABLE void stepSpeed(int steps);
+    // The listed speed closest to any rate (one asked for by the desktop).
+    void chooseNearestSpeed(double rate);
     QString speedButtonTitle() const;
 
     // --- Quality

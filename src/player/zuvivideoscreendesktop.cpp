@@ -26,6 +26,7 @@ ZuviVideoScreenDesktop::ZuviVideoScreenDesktop(ZuviVideoPlayerViewController *sc
         });
     connect(options, &ZuviPlaybackOptions::volumeChanged, m_connector,
             &ZuviMoviePlayerNowPlaying::volumeDidChange);
+    m_connector->setRateControl([options](double rate) { options->chooseNearestSpeed(rate); });
     if (shortcuts)
         bindScreenKeys(shortcuts);
 }

@@ -43,7 +43,7 @@ private slots:
         QCOMPARE(s->lastPlayer()->playbackState(), Player::PlaybackPlaying);
     }
 
-    void desktopVolumeIsTheScreensVolume()
+    void desktopVolumeAndRateAreTheScreens()
     {
         ZuviPlaybackOptions *options = s->c->playbackOptions();
         options->setVolume(0.8);
@@ -56,6 +56,11 @@ private slots:
         QCOMPARE(options->volume(), 0.3);
         QCOMPARE(s->lastPlayer()->volume(), 0.3);
         QCOMPARE(nowPlaying.volume(), 0.3);
+
+        // A rate from the desktop becomes the nearest speed of the menu.
+        nowPlaying.requestRate(1.4);
+        QCOMPARE(options->speedIndex(), 4);
+        QCOMPARE(s->lastPlayer()->currentPlaybackRate(), 1.5);
     }
 
     void controlsComeBackWithTheNextPlayerAndGoWithTheScreen()
