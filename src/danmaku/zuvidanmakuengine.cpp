@@ -6,7 +6,6 @@
 #include <QRandomGenerator>
 
 #include <algorithm>
-#include <array>
 #include <climits>
 #include <cmath>
 #include <limits>
@@ -17,9 +16,6 @@ quint32 systemRandom(quint32 bound)
 {
     return QRandomGenerator::global()->bounded(bound);
 }
-
-// Lane tables never hold more lanes than the largest scroll lane count.
-constexpr int maximumLaneCount = 14;
 
 } // namespace
 
@@ -35,7 +31,7 @@ double ZuviDanmakuEngine::monotonicSeconds()
 
 ZuviDanmakuEngine::ZuviDanmakuEngine(ZuviIdiom::Kind idiom, FlightClock clock, RandomSource random,
                                      TextMeasurer measurer)
-    : m_idiom(idiom)
+    : m_idiom(idiom), m_lanes([this](int count) { return randomIndexWithCount(count); })
 {
     setFlightClock(std::move(clock));
     setRandomSource(std::move(random));
@@ -43,9 +39,6 @@ ZuviDanmakuEngine::ZuviDanmakuEngine(ZuviIdiom::Kind idiom, FlightClock clock, R
     // Reserved once, so that launching and recycling never grow a container.
     m_visible.reserve(64);
     m_reusable.reserve(poolLimit);
-    m_scrollLanes.reserve(maximumLaneCount);
-    m_topLanes.reserve(maximumLaneCount);
-    m_bottomLanes.reserve(maximumLaneCount);
 }
 
 ZuviDanmakuEngine::~ZuviDanmakuEngine() = default;
@@ -219,9 +212,7 @@ void ZuviDanmakuEngine::resetForPlaybackTime(double t)
     m_lastPlaybackTime = t;
     const double from = t - replayWindow;
     m_nextItemIndex = firstItemIndexAtOrAfterTime(from > 0 ? from : 0);
-    m_nextScrollLaneIndex = 0;
-    m_nextTopLaneIndex = 0;
-    m_nextBottomLaneIndex = 0;
+    m_lanes.rewindCursors();
 }
 
 void ZuviDanmakuEngine::clearVisibleDanmaku()
@@ -237,7 +228,7 @@ void ZuviDanmakuEngine::clearVisibleDanmaku()
     snapshot.clear();
     // Keep the reserved storage for the next launches.
     m_visible.swap(snapshot);
-    resetLanes();
+    m_lanes.clear(scrollLaneCount(), fixedLaneCount());
 }
 
 int ZuviDanmakuEngine::firstItemIndexAtOrAfterTime(double time) const
@@ -294,12 +285,7 @@ void ZuviDanmakuEngine::launchDanmakuItem(const ZuviDanmakuItem &item, double t)
 
 bool ZuviDanmakuEngine::prefersTopLaneForStillItem(double t)
 {
-    ensureLaneArray(m_topLanes, fixedLaneCount());
-    for (double availableAt : m_topLanes) {
-        if (availableAt <= t)
-            return true;
-    }
-    return false;
+    return m_lanes.hasFreeLane(ZuviDanmakuLanes::Top, t, fixedLaneCount());
 }
 
 qreal ZuviDanmakuEngine::bottomLaneBase() const
@@ -313,8 +299,7 @@ qreal ZuviDanmakuEngine::bottomLaneBase() const
 
 void ZuviDanmakuEngine::launchScrollingDanmakuItem(const ZuviDanmakuItem &item, double t)
 {
-    ensureLaneArray(m_scrollLanes, scrollLaneCount());
-    const int lane = availableLaneInArray(m_scrollLanes, t, &m_nextScrollLaneIndex);
+    const int lane = m_lanes.takeFreeLane(ZuviDanmakuLanes::Scroll, t, scrollLaneCount());
     if (lane < 0) {
         ++m_counters.droppedNoLane;
         return;
@@ -337,7 +322,8 @@ void ZuviDanmakuEngine::launchScrollingDanmakuItem(const ZuviDanmakuItem &item, 
     const double duration =
         std::clamp(double(distance / scrollSpeed()), 5.5, 9.0) / m_settings.speed;
     // The lane frees when the tail has cleared the right edge, plus a gap.
-    m_scrollLanes[size_t(lane)] = t + double(labelWidth / distance) * duration + 0.35;
+    m_lanes.occupy(ZuviDanmakuLanes::Scroll, lane,
+                   t + double(labelWidth / distance) * duration + 0.35);
 
     label->tag = nextAnimationToken();
     label->flight = ZuviDanmakuLabel::Scrolling;
@@ -350,10 +336,8 @@ void ZuviDanmakuEngine::launchScrollingDanmakuItem(const ZuviDanmakuItem &item, 
 
 void ZuviDanmakuEngine::launchFixedDanmakuItem(const ZuviDanmakuItem &item, double t, bool top)
 {
-    std::vector<double> &lanes = top ? m_topLanes : m_bottomLanes;
-    ensureLaneArray(lanes, fixedLaneCount());
-    const int lane =
-        availableLaneInArray(lanes, t, top ? &m_nextTopLaneIndex : &m_nextBottomLaneIndex);
+    const ZuviDanmakuLanes::Kind kind = top ? ZuviDanmakuLanes::Top : ZuviDanmakuLanes::Bottom;
+    const int lane = m_lanes.takeFreeLane(kind, t, fixedLaneCount());
     if (lane < 0) {
         ++m_counters.droppedNoLane;
         return;
@@ -372,7 +356,7 @@ void ZuviDanmakuEngine::launchFixedDanmakuItem(const ZuviDanmakuItem &item, doub
         y = 0;
     label->origin = QPointF(x, y);
     label->alpha = 0;
-    lanes[size_t(lane)] = t + fixedLaneHold;
+    m_lanes.occupy(kind, lane, t + fixedLaneHold);
 
     label->tag = nextAnimationToken();
     label->flight = ZuviDanmakuLabel::Fixed;
@@ -428,45 +412,7 @@ QSizeF ZuviDanmakuEngine::sizeForLabel(const ZuviDanmakuLabel &label, qreal maxi
     return size;
 }
 
-// --- Lanes -----------------------------------------------------------------
-
-void ZuviDanmakuEngine::resetLanes()
-{
-    resetLaneArray(m_scrollLanes, scrollLaneCount());
-    resetLaneArray(m_topLanes, fixedLaneCount());
-    resetLaneArray(m_bottomLanes, fixedLaneCount());
-}
-
-void ZuviDanmakuEngine::resetLaneArray(std::vector<double> &lanes, int laneCount)
-{
-    lanes.assign(size_t(laneCount), 0.0);
-}
-
-void ZuviDanmakuEngine::ensureLaneArray(std::vector<double> &lanes, int laneCount)
-{
-    lanes.resize(size_t(laneCount), 0.0);
-}
-
-int ZuviDanmakuEngine::availableLaneInArray(const std::vector<double> &lanes, double t,
-                                            int *cursor) const
-{
-    const int count = int(lanes.size());
-    if (count == 0)
-        return -1;
-    std::array<int, maximumLaneCount> free{};
-    int freeCount = 0;
-    for (int lane = 0; lane < count && freeCount < maximumLaneCount; ++lane) {
-        if (lanes[size_t(lane)] <= t)
-            free[size_t(freeCount++)] = lane;
-    }
-    if (freeCount == 0)
-        return -1; // the caller drops the item: nothing waits for a lane
-    const int lane = free[size_t(randomIndexWithCount(freeCount))];
-    // The cursor is bookkeeping only; the choice above never reads it.
-    if (cursor)
-        *cursor = (lane + 1) % count;
-    return lane;
-}
+// --- Random choices --------------------------------------------------------
 
 int ZuviDanmakuEngine::randomIndexWithCount(int count) const
 {

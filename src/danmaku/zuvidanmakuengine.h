@@ -4,6 +4,7 @@
 #include "platform/zuviidiom.h"
 #include "zuvidanmakufilter.h"
 #include "zuvidanmakulabel.h"
+#include "zuvidanmakulanes.h"
 #include "zuvidanmakusettings.h"
 
 #include <QList>
@@ -143,12 +144,21 @@ public:
     int animationToken() const { return m_animationToken; }
     // Continues the token sequence from a given value (the next token follows it).
     void setAnimationToken(int token) { m_animationToken = token; }
-    const std::vector<double> &scrollLaneAvailableTimes() const { return m_scrollLanes; }
-    const std::vector<double> &topLaneAvailableTimes() const { return m_topLanes; }
-    const std::vector<double> &bottomLaneAvailableTimes() const { return m_bottomLanes; }
-    int nextScrollLaneIndex() const { return m_nextScrollLaneIndex; }
-    int nextTopLaneIndex() const { return m_nextTopLaneIndex; }
-    int nextBottomLaneIndex() const { return m_nextBottomLaneIndex; }
+    const std::vector<double> &scrollLaneAvailableTimes() const
+    {
+        return m_lanes.availableTimes(ZuviDanmakuLanes::Scroll);
+    }
+    const std::vector<double> &topLaneAvailableTimes() const
+    {
+        return m_lanes.availableTimes(ZuviDanmakuLanes::Top);
+    }
+    const std::vector<double> &bottomLaneAvailableTimes() const
+    {
+        return m_lanes.availableTimes(ZuviDanmakuLanes::Bottom);
+    }
+    int nextScrollLaneIndex() const { return m_lanes.nextIndex(ZuviDanmakuLanes::Scroll); }
+    int nextTopLaneIndex() const { return m_lanes.nextIndex(ZuviDanmakuLanes::Top); }
+    int nextBottomLaneIndex() const { return m_lanes.nextIndex(ZuviDanmakuLanes::Bottom); }
     const Counters &counters() const { return m_counters; }
 
     // --- Metrics for the current size and idiom ----------------------------
@@ -189,11 +199,6 @@ private:
     LabelPtr dequeueLabel();
     void recycleLabel(LabelPtr label);
     void detachLabel(ZuviDanmakuLabel &label);
-    void resetLanes();
-    static void resetLaneArray(std::vector<double> &lanes, int laneCount);
-    static void ensureLaneArray(std::vector<double> &lanes, int laneCount);
-    int availableLaneInArray(const std::vector<double> &lanes, double playbackTime,
-                             int *cursor) const;
     double localTime(const ZuviDanmakuLabel &label) const;
     // The label's opacity along its flight, before the viewer's opacity.
     qreal flightOpacity(const ZuviDanmakuLabel &label) const;
@@ -221,17 +226,12 @@ private:
     ZuviDanmakuFilter m_filter;
     std::vector<LabelPtr> m_visible;  // launch order
     std::vector<LabelPtr> m_reusable; // a stack, at most poolLimit
-    std::vector<double> m_scrollLanes;
-    std::vector<double> m_topLanes;
-    std::vector<double> m_bottomLanes;
+    ZuviDanmakuLanes m_lanes;
     int m_nextItemIndex = 0;
     double m_lastPlaybackTime = -1.0;
     int m_animationToken = 0;
     QSizeF m_viewSize;
     QSizeF m_lastLayoutSize;
-    int m_nextScrollLaneIndex = 0;
-    int m_nextTopLaneIndex = 0;
-    int m_nextBottomLaneIndex = 0;
     quint64 m_nextSerial = 1;
     // No flight ends before this wall time; lowered by every launch, reset
     // by pause and resume, recomputed by every full pass over the labels.

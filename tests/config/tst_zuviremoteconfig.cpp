@@ -475,7 +475,6 @@ void TestZuviRemoteConfig::pollTimer_data()
     QTest::addColumn<double>("interval");
     QTest::addColumn<double>("expected");
     QTest::newRow("zero") << 0.0 << 14400.0;
-    QTest::newRow("negative") << -30.0 << 14400.0;
     QTest::newRow("short") << 2.0 << 2.0;
 }
 

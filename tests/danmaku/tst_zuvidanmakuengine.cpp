@@ -110,7 +110,6 @@ private slots:
     void labelSize();
     void verticalOffset_data();
     void verticalOffset();
-    void debugStateText();
 };
 
 void TestZuviDanmakuEngine::laneMetrics_data()
@@ -121,7 +120,6 @@ void TestZuviDanmakuEngine::laneMetrics_data()
     QTest::addColumn<int>("fixed");
     QTest::addColumn<qreal>("bottomInset");
 
-    QTest::newRow("200 high") << true << 200.0 << 6 << 3 << 46.0;
     QTest::newRow("100 high") << true << 100.0 << 2 << 1 << 30.0;
     QTest::newRow("30 high still one lane") << true << 30.0 << 1 << 1 << 30.0;
     QTest::newRow("180 high, large inset") << true << 180.0 << 5 << 2 << 46.0;
@@ -193,11 +191,9 @@ void TestZuviDanmakuEngine::modesDispatch_data()
     QTest::addColumn<int>("region"); // 0 none, 1 scroll, 2 top, 3 bottom
 
     QTest::newRow("7 never shown") << 7 << int(ZuviDanmakuLabel::Idle) << 0;
-    QTest::newRow("8 never shown") << 8 << int(ZuviDanmakuLabel::Idle) << 0;
     QTest::newRow("5 top") << 5 << int(ZuviDanmakuLabel::Fixed) << 2;
     QTest::newRow("4 bottom") << 4 << int(ZuviDanmakuLabel::Fixed) << 3;
     QTest::newRow("1 scrolls") << 1 << int(ZuviDanmakuLabel::Scrolling) << 1;
-    QTest::newRow("6 scrolls") << 6 << int(ZuviDanmakuLabel::Scrolling) << 1;
     QTest::newRow("0 scrolls") << 0 << int(ZuviDanmakuLabel::Scrolling) << 1;
 }
 
@@ -238,7 +234,6 @@ void TestZuviDanmakuEngine::seekRules_data()
     QTest::newRow("back 0.5 resets") << 10.5 << 10.0 << true;
     QTest::newRow("forward 1.6 resets") << 10.0 << 11.6 << true;
     QTest::newRow("forward 1.4 does not") << 10.0 << 11.4 << false;
-    QTest::newRow("forward 0.12 does not") << 10.0 << 10.12 << false;
 }
 
 void TestZuviDanmakuEngine::seekRules()
@@ -400,7 +395,6 @@ void TestZuviDanmakuEngine::scrollingFlight_data()
 
     QTest::newRow("phone 480, label 100: 580/76") << false << 480.0 << 92.0 << 580.0 / 76;
     QTest::newRow("phone 160, label 20: clamped up") << false << 160.0 << 12.0 << 5.5;
-    QTest::newRow("pad 600, label 100: 700/88") << true << 600.0 << 92.0 << 700.0 / 88;
     QTest::newRow("pad 2000: clamped down") << true << 2000.0 << 92.0 << 9.0;
 }
 
@@ -470,10 +464,8 @@ void TestZuviDanmakuEngine::fixedPlacement_data()
 
     // A 38 wide label in a 400 wide view: x = floor(362 / 2) = 181. The
     // random offset drawn is 0 when the lane has slack.
-    QTest::newRow("top lane 0") << 5 << 200.0 << 16.0 << 0u << QPointF(181, 8);
     QTest::newRow("top lane 2") << 5 << 200.0 << 16.0 << 2u << QPointF(181, 54);
-    QTest::newRow("bottom lane 0: 200-46-23") << 4 << 200.0 << 16.0 << 0u << QPointF(181, 131);
-    QTest::newRow("bottom lane 1") << 4 << 200.0 << 16.0 << 1u << QPointF(181, 108);
+    QTest::newRow("bottom lane 1: 200-46-2*23") << 4 << 200.0 << 16.0 << 1u << QPointF(181, 108);
     // A 32 high label: slack −9 centres it, 5 points up.
     QTest::newRow("tall label on top") << 5 << 200.0 << 30.0 << 0u << QPointF(181, 3);
     QTest::newRow("bottom above 0 clamps") << 4 << 30.0 << 30.0 << 0u << QPointF(181, 0);
@@ -652,11 +644,9 @@ void TestZuviDanmakuEngine::readableColor_data()
     QTest::addColumn<quint32>("rgb");
     QTest::addColumn<quint32>("drawn");
 
-    QTest::newRow("black turns white") << 0x000000u << 0xFFFFFFFFu;
     QTest::newRow("mid grey kept") << 0x808080u << 0xEB808080u;
     QTest::newRow("just below 0.18 turns white") << 0x2D2D2Du << 0xFFFFFFFFu;
     QTest::newRow("just above 0.18 kept") << 0x2E2E2Eu << 0xEB2E2E2Eu;
-    QTest::newRow("red kept") << 0xFF0000u << 0xEBFF0000u;
 }
 
 void TestZuviDanmakuEngine::readableColor()
@@ -721,19 +711,6 @@ void TestZuviDanmakuEngine::verticalOffset()
     QCOMPARE(rig.engine.randomVerticalOffsetForLaneHeight(23, labelHeight), offset);
     QCOMPARE(rig.bounds, bound ? QList<quint32>{quint32(bound)} : QList<quint32>{});
     QCOMPARE(rig.engine.randomIndexWithCount(1), 0);
-}
-
-void TestZuviDanmakuEngine::debugStateText()
-{
-    Rig rig(ZuviIdiom::Pad, QSizeF(400, 200));
-    rig.engine.setDanmakuItems({item(9.9), item(10.3), item(10.7), item(11.0), item(12.0)});
-    rig.engine.resetForPlaybackTime(10.0);
-    rig.engine.tickAtPlaybackTime(10.0, true);
-    QCOMPARE(rig.engine.debugStateTextForPlaybackTime(10.04, true),
-             QStringLiteral("tick 10.0 play next 10.7 2/5 vis 2 lanes 6"));
-    rig.engine.tickAtPlaybackTime(11.5, true);
-    QCOMPARE(rig.engine.debugStateTextForPlaybackTime(11.5, false),
-             QStringLiteral("tick 11.5 hold next -- 5/5 vis 5 lanes 6"));
 }
 
 QTEST_GUILESS_MAIN(TestZuviDanmakuEngine)

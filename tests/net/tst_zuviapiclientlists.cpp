@@ -60,7 +60,6 @@ private slots:
     void favorites_data();
     void favorites();
     void connectionErrorPassesThrough();
-    void developerModeRecordsFailures();
 };
 
 void TestZuviAPIClientLists::requestShapes_data()
@@ -389,23 +388,6 @@ void TestZuviAPIClientLists::connectionErrorPassesThrough()
     QVERIFY(outcome.error.hasError());
     QVERIFY(outcome.error.domain != QLatin1String(ZuviAPIClient::kErrorDomain));
     QVERIFY(outcome.videos.isEmpty());
-}
-
-void TestZuviAPIClientLists::developerModeRecordsFailures()
-{
-    // With developer mode off nothing is logged (the wire suite); a list
-    // operation's failure goes through the same logging finish.
-    ZuviClientTestFixture f;
-    f.defaults.get()->setBool(true, ZuviAPIClient::kDeveloperModeKey);
-    f.answerJson("/x/v2/history/toview/web", zuviJson({{"code", -101}, {"message", "账号未登录"}}));
-    Outcome outcome;
-    f.client->fetchWatchLaterVideosWithCompletion(recorder(&outcome));
-    ZUVI_WAIT(outcome.calls == 1);
-    QCOMPARE(outcome.error.code, -101);
-    const QString log = f.log->logText();
-    QVERIFY2(log.contains(
-                 "视频列表接口\ndomain=ZuviAPIClientErrorDomain\ncode=-101\nmessage=账号未登录"),
-             qPrintable(log));
 }
 
 QTEST_MAIN(TestZuviAPIClientLists)

@@ -154,7 +154,7 @@ void TestZuviAPIClientWire::completionRunsOnceOnTheMainThread()
 
 void TestZuviAPIClientWire::badAnswersEndInClearErrors_data()
 {
-    // Bodies that are no JSON object are the helpers' root-check table; here,
+    // Bodies that are no JSON object are the parser hostility suite's; here,
     // the connection failures.
     QTest::addColumn<int>("kind"); // 1 drop, 2 never answer, 3 no server
     QTest::addColumn<int>("code");
