@@ -36,6 +36,16 @@ void ZuviVideoSideContent::clearVideo()
     resetForVideo(0, QString());
 }
 
+void ZuviVideoSideContent::showUnavailable()
+{
+    clearVideo();
+    m_relatedStatusText = QStringLiteral("相关推荐加载失败");
+    m_hasMoreComments = false;
+    m_commentsStatusText = QStringLiteral("评论加载失败");
+    emit relatedChanged();
+    emit commentsChanged();
+}
+
 // MARK: - Related videos
 
 void ZuviVideoSideContent::loadRelatedVideos()

@@ -42,6 +42,9 @@ public:
     // every answer still under way stale.
     void resetForVideo(qint64 aid, const QString &bvid);
     void clearVideo();
+    // The video itself could not be loaded: both lists say they failed,
+    // without a retry of their own (the screen's retry loads everything).
+    void showUnavailable();
 
     // --- Related videos
     void loadRelatedVideos();
