@@ -106,8 +106,18 @@ ZuviTabBarController *ZuviAppDelegate::buildRootTabBarController()
         new ZuviFollowingViewController(m_services.client, m_services.scheduler),
         QStringLiteral("关注"), 2);
     auto *profile = new ZuviProfileViewController(m_services.client, m_services.scheduler);
-    profile->setSettingsScreenFactory([] {
-        return new ZuviSettingsViewController(ZuviSettingsViewController::sharedServices());
+    // The settings screen works on this application's services, so a shell
+    // made with its own (a test, a review tool) edits its own store.
+    profile->setSettingsScreenFactory([this] {
+        ZuviSettingsViewController::Services services;
+        services.defaults = m_services.defaults;
+        services.center = m_services.center;
+        services.scheduler = m_services.scheduler;
+        services.log = m_services.log;
+        services.imageLoader = m_services.imageLoader;
+        services.remoteConfig = m_services.remoteConfig;
+        services.presenter = m_services.presenter;
+        return new ZuviSettingsViewController(services);
     });
     navigationControllerWithRootViewController(profile, QStringLiteral("我的"), 3);
     m_root->setTintColor(Qt::black);

@@ -78,9 +78,15 @@ void ZuviKeyboardShortcuts::attachToWindow(QWindow *window)
 
 void ZuviKeyboardShortcuts::bind(Action action, QObject *owner, std::function<void()> handler)
 {
+    bind(action, owner, std::move(handler), {});
+}
+
+void ZuviKeyboardShortcuts::bind(Action action, QObject *owner, std::function<void()> handler,
+                                 std::function<bool()> condition)
+{
     if (action <= NoAction || action >= ActionCount || !owner || !handler)
         return;
-    m_bindings.append({action, owner, std::move(handler)});
+    m_bindings.append({action, owner, std::move(handler), std::move(condition)});
     // Bindings go with their owners.
     connect(owner, &QObject::destroyed, this, [this] {
         m_bindings.removeIf([](const Binding &binding) { return binding.owner.isNull(); });
@@ -161,6 +167,8 @@ bool ZuviKeyboardShortcuts::handleKeyPress(int key, Qt::KeyboardModifiers modifi
     for (auto it = m_bindings.crbegin(); it != m_bindings.crend(); ++it) {
         if (it->action != action || !it->owner)
             continue;
+        if (it->condition && !it->condition())
+            return false;
         if (autoRepeat && !repeats(action))
             return true;
         // The handler may bind or destroy; it runs from a copy.

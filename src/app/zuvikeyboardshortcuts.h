@@ -68,6 +68,11 @@ public:
     void attachToWindow(QWindow *window);
 
     void bind(Action action, QObject *owner, std::function<void()> handler);
+    // A binding that takes the key only while the condition holds; at other
+    // times the key goes on to the focused item (Esc closes a menu when
+    // there is no fullscreen to leave).
+    void bind(Action action, QObject *owner, std::function<void()> handler,
+              std::function<bool()> condition);
     // Whether a living owner handles the action now.
     bool isBound(Action action) const;
 
@@ -92,6 +97,7 @@ private:
         Action action;
         QPointer<QObject> owner;
         std::function<void()> handler;
+        std::function<bool()> condition;
     };
 
     bool textFieldHasFocus() const;

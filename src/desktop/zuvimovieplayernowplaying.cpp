@@ -47,8 +47,14 @@ void ZuviMoviePlayerNowPlaying::takeControls()
     connect(m_nowPlaying, &ZuviNowPlaying::positionRequested, this,
             &ZuviMoviePlayerNowPlaying::seekTo);
     connect(m_nowPlaying, &ZuviNowPlaying::rateRequested, this, [this](double rate) {
-        if (m_player)
+        if (m_writeRate)
+            m_writeRate(rate);
+        else if (m_player)
             m_player->setCurrentPlaybackRate(rate);
+    });
+    connect(m_nowPlaying, &ZuviNowPlaying::volumeRequested, this, [this](double volume) {
+        if (m_writeVolume)
+            m_writeVolume(volume);
     });
     // What the desktop shows is this screen's again.
     m_nowPlaying->setTrack(m_track);
@@ -56,6 +62,7 @@ void ZuviMoviePlayerNowPlaying::takeControls()
         m_nowPlaying->setRate(m_player->currentPlaybackRate());
     followState();
     followTime();
+    volumeDidChange();
 }
 
 ZuviMoviePlayerNowPlaying::~ZuviMoviePlayerNowPlaying()
@@ -100,6 +107,25 @@ void ZuviMoviePlayerNowPlaying::setPlayer(ZuviMoviePlayer *player)
     }
     followState();
     followTime();
+}
+
+void ZuviMoviePlayerNowPlaying::setVolumeControl(std::function<double()> read,
+                                                 std::function<void(double)> write)
+{
+    m_readVolume = std::move(read);
+    m_writeVolume = std::move(write);
+    volumeDidChange();
+}
+
+void ZuviMoviePlayerNowPlaying::setRateControl(std::function<void(double)> write)
+{
+    m_writeRate = std::move(write);
+}
+
+void ZuviMoviePlayerNowPlaying::volumeDidChange()
+{
+    if (m_readVolume && holdsControls())
+        m_nowPlaying->setVolume(m_readVolume());
 }
 
 void ZuviMoviePlayerNowPlaying::followState()

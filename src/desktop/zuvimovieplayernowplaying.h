@@ -5,6 +5,8 @@
 #include <QObject>
 #include <QPointer>
 
+#include <functional>
+
 class ZuviKeyboardShortcuts;
 class ZuviMoviePlayer;
 
@@ -16,8 +18,8 @@ class ZuviMoviePlayer;
 // player (state, clock, length, rate); it carries out the desktop's play,
 // pause, stop, position and rate commands on the player, and binds the
 // keys that act on the player alone: Space, and the 5 s and 30 s seeks.
-// Volume has no place in the player yet, so volume requests are left to
-// the screen's own controls.
+// The volume belongs to the screen's own controls (it is remembered
+// there); the screen hands over a way to read and set it.
 class ZuviMoviePlayerNowPlaying : public QObject
 {
     Q_OBJECT
@@ -34,6 +36,13 @@ public:
 
     void setTrack(const ZuviNowPlaying::Track &track);
     void setPlayer(ZuviMoviePlayer *player);
+    // The screen's volume, 0 to 1, for the desktop to show and set; call
+    // volumeDidChange whenever it changes.
+    void setVolumeControl(std::function<double()> read, std::function<void(double)> write);
+    void volumeDidChange();
+    // Where the desktop's rate requests go instead of straight to the
+    // player, so the screen's speed choice follows them.
+    void setRateControl(std::function<void(double)> write);
 
 private:
     void followState();
@@ -45,4 +54,7 @@ private:
     QPointer<ZuviMoviePlayer> m_player;
     QList<QMetaObject::Connection> m_playerConnections;
     ZuviNowPlaying::Track m_track;
+    std::function<double()> m_readVolume;
+    std::function<void(double)> m_writeVolume;
+    std::function<void(double)> m_writeRate;
 };

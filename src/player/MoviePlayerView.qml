@@ -14,6 +14,7 @@ Rectangle {
     required property ZuviVideoPlayerViewController controller
     readonly property ZuviMoviePlayer player: controller.moviePlayer
     readonly property bool fullscreen: player !== null && player.fullscreen
+    readonly property ZuviPlaybackOptions options: controller.playbackOptions
 
     // No fill under the picture: with a software renderer every pixel drawn
     // is drawn again with each video frame, so only the letterbox bars
@@ -75,6 +76,22 @@ Rectangle {
         }
     }
 
+    // Any movement of the pointer over the picture brings the controls
+    // back; in fullscreen the pointer hides with them.
+    HoverHandler {
+        onPointChanged: root.options.pointerMoved()
+        cursorShape: root.fullscreen && !root.options.controlsVisible ? Qt.BlankCursor
+                                                                      : Qt.ArrowCursor
+    }
+
+    // The controls stay while the viewer works them.
+    Binding {
+        target: root.options
+        property: "controlsInUse"
+        value: speedMenu.visible || qualityMenu.visible || danmakuSettings.visible
+               || volumeSlider.pressed || seekBar.pressed || controlsHover.hovered
+    }
+
     // Whether a press at this point (in this view) is on one of the
     // player's own controls: those never start a gesture on the picture.
     function onControl(position) {
@@ -98,6 +115,9 @@ Rectangle {
             root.controller.fastForwardLongPressBegan()
         }
         onPressedChanged: {
+            // A touch on the picture shows the controls as a pointer does.
+            if (pressed)
+                root.options.pointerMoved()
             if (!pressed && fastForwarding) {
                 fastForwarding = false
                 root.controller.fastForwardLongPressEnded()
@@ -146,7 +166,7 @@ Rectangle {
     Button {
         id: doneButton
         objectName: "doneButton"
-        visible: root.fullscreen
+        visible: root.fullscreen && root.options.controlsVisible
         text: "完成"
         anchors { top: parent.top; left: parent.left; margins: 12 }
         z: 3
@@ -156,79 +176,155 @@ Rectangle {
     Rectangle {
         id: controls
         objectName: "playerControls"
-        visible: root.player !== null
+        visible: root.player !== null && opacity > 0
+        opacity: root.options.controlsVisible ? 1 : 0
         z: 3
+        // A narrow player (a phone) gives the seek bar a row of its own
+        // above the buttons; a wide one keeps everything on one line.
+        readonly property bool narrow: root.width < 560
         anchors { left: parent.left; right: parent.right; bottom: parent.bottom }
-        height: 40
+        height: narrow ? 76 : 40
         color: "#a0000000"
 
-        RowLayout {
+        Behavior on opacity {
+            NumberAnimation { duration: 200 }
+        }
+        HoverHandler {
+            id: controlsHover
+        }
+
+        GridLayout {
             anchors.fill: parent
             anchors.leftMargin: 6
             anchors.rightMargin: 6
-            spacing: 6
+            columns: controls.narrow ? 1 : 2
+            rowSpacing: 0
+            columnSpacing: 6
 
-            ToolButton {
-                objectName: "playPauseButton"
-                text: root.player && root.player.playing ? "❚❚" : "▶"
-                palette.buttonText: "white"
-                onClicked: root.controller.togglePlayPause()
-            }
-            Label {
-                objectName: "elapsedLabel"
-                color: "white"
-                text: root.timeText(root.player ? root.player.currentPlaybackTime : 0)
-            }
-            Slider {
-                id: seekBar
-                objectName: "seekBar"
+            RowLayout {
                 Layout.fillWidth: true
-                from: 0
-                to: root.player && root.player.duration > 0 ? root.player.duration : 1
-                // Follows the clock except while the user drags it.
-                value: pressed ? value : (root.player ? root.player.currentPlaybackTime || 0 : 0)
-                onMoved: root.controller.seekTo(value)
+                spacing: 6
 
-                // Where the danmaku crowd, along the bar, so the busiest
-                // moments can be seen and jumped to; drawn under the handle
-                // and hidden while there is nothing to count.
-                ZuviDanmakuDensityGraph {
-                    objectName: "danmakuDensity"
-                    z: -1
-                    x: seekBar.leftPadding
-                    width: seekBar.availableWidth
-                    height: 14
-                    anchors.bottom: parent.verticalCenter
-                    overlay: root.controller.danmakuOverlay
-                    duration: root.player ? root.player.duration : 0
-                    color: Qt.rgba(1, 1, 1, 0.5)
+                ToolButton {
+                    objectName: "playPauseButton"
+                    text: root.player && root.player.playing ? "❚❚" : "▶"
+                    palette.buttonText: "white"
+                    onClicked: root.controller.togglePlayPause()
+                }
+                Label {
+                    objectName: "elapsedLabel"
+                    color: "white"
+                    text: root.timeText(root.player ? root.player.currentPlaybackTime : 0)
+                }
+                Slider {
+                    id: seekBar
+                    objectName: "seekBar"
+                    Layout.fillWidth: true
+                    from: 0
+                    to: root.player && root.player.duration > 0 ? root.player.duration : 1
+                    // Follows the clock except while the user drags it.
+                    value: pressed ? value : (root.player ? root.player.currentPlaybackTime || 0 : 0)
+                    onMoved: root.controller.seekTo(value)
+
+                    // Where the danmaku crowd, along the bar, so the busiest
+                    // moments can be seen and jumped to; drawn under the handle
+                    // and hidden while there is nothing to count.
+                    ZuviDanmakuDensityGraph {
+                        objectName: "danmakuDensity"
+                        z: -1
+                        x: seekBar.leftPadding
+                        width: seekBar.availableWidth
+                        height: 14
+                        anchors.bottom: parent.verticalCenter
+                        overlay: root.controller.danmakuOverlay
+                        duration: root.player ? root.player.duration : 0
+                        color: Qt.rgba(1, 1, 1, 0.5)
+                    }
+                }
+                Label {
+                    objectName: "totalLabel"
+                    color: "white"
+                    text: root.timeText(root.player ? root.player.duration : 0)
                 }
             }
-            Label {
-                objectName: "totalLabel"
-                color: "white"
-                text: root.timeText(root.player ? root.player.duration : 0)
-            }
-            Switch {
-                objectName: "danmakuSwitch"
-                checked: root.controller.danmakuEnabled
-                onToggled: root.controller.danmakuEnabled = checked
-            }
-            Label {
-                color: "white"
-                text: "弹幕"
-            }
-            ToolButton {
-                objectName: "danmakuSettingsButton"
-                text: "⚙"
-                palette.buttonText: "white"
-                onClicked: danmakuSettings.open()
-            }
-            ToolButton {
-                objectName: "fullscreenButton"
-                text: root.fullscreen ? "⤡" : "⤢"
-                palette.buttonText: "white"
-                onClicked: root.controller.toggleFullscreen()
+
+            RowLayout {
+                spacing: 6
+
+                ToolButton {
+                    objectName: "muteButton"
+                    implicitWidth: 32
+                    onClicked: root.options.toggleMute()
+                    contentItem: VolumeIcon {
+                        volume: root.options.volume
+                        muted: root.options.muted
+                    }
+                }
+                Slider {
+                    id: volumeSlider
+                    objectName: "volumeSlider"
+                    // On a phone the button and the device's keys set the sound.
+                    visible: !controls.narrow
+                    Layout.preferredWidth: 76
+                    from: 0
+                    to: 1
+                    value: pressed ? value : (root.options.muted ? 0 : root.options.volume)
+                    onMoved: {
+                        root.options.muted = false
+                        root.options.volume = value
+                    }
+                }
+                ToolButton {
+                    id: speedButton
+                    objectName: "speedButton"
+                    text: root.options.speedButtonTitle
+                    palette.buttonText: "white"
+                    onClicked: speedMenu.toggle()
+
+                    PlayerOptionMenu {
+                        id: speedMenu
+                        objectName: "speedMenu"
+                        titles: root.options.speedTitles
+                        checkedIndex: root.options.speedIndex
+                        onChosen: index => root.options.chooseSpeed(index)
+                    }
+                }
+                ToolButton {
+                    id: qualityButton
+                    objectName: "qualityButton"
+                    text: root.options.switchingQuality ? "切换中…" : root.options.qualityButtonTitle
+                    palette.buttonText: "white"
+                    onClicked: qualityMenu.toggle()
+
+                    PlayerOptionMenu {
+                        id: qualityMenu
+                        objectName: "qualityMenu"
+                        titles: root.options.qualityTitles
+                        checkedIndex: root.options.qualityIndex
+                        onChosen: index => root.options.chooseQuality(index)
+                    }
+                }
+                Switch {
+                    objectName: "danmakuSwitch"
+                    checked: root.controller.danmakuEnabled
+                    onToggled: root.controller.danmakuEnabled = checked
+                }
+                Label {
+                    color: "white"
+                    text: "弹幕"
+                }
+                ToolButton {
+                    objectName: "danmakuSettingsButton"
+                    text: "⚙"
+                    palette.buttonText: "white"
+                    onClicked: danmakuSettings.open()
+                }
+                ToolButton {
+                    objectName: "fullscreenButton"
+                    text: root.fullscreen ? "⤡" : "⤢"
+                    palette.buttonText: "white"
+                    onClicked: root.controller.toggleFullscreen()
+                }
             }
         }
     }

@@ -31,6 +31,12 @@ public:
     void beginIfPossible(ZuviMoviePlayer *player, bool endCardVisible);
     // Goes back to the remembered rate; the badge goes in any case.
     void endIfNeeded(ZuviMoviePlayer *player);
+    // A speed chosen while the picture is held is where the release goes.
+    void setRestoreRate(double rate)
+    {
+        if (m_active && rate > 0)
+            m_restoreRate = rate;
+    }
 
     static bool longPressShouldBegin(bool hasPlayer, bool endCardVisible, bool touchOnControl);
     static bool edgePanShouldBegin(bool fullscreenPlayback, double startX, double viewWidth,

@@ -1,5 +1,6 @@
 #include "zuvimediamovieplayer.h"
 
+#include <QAudio>
 #include <QLoggingCategory>
 #include <QMediaMetaData>
 #include <QTimer>
@@ -44,6 +45,8 @@ ZuviMediaMoviePlayer::~ZuviMediaMoviePlayer()
 void ZuviMediaMoviePlayer::setContentURL(const QUrl &url)
 {
     m_initialTimeApplied = false;
+    m_newMediaLoading = false;
+    m_startSeekTries = 0;
     m_finished = false;
     m_endedBySeek = false;
     m_player.setSource(url);
@@ -82,6 +85,7 @@ void ZuviMediaMoviePlayer::setView(QQuickItem *view)
 // one means they stopped, or there are none, and it goes out at once.
 void ZuviMediaMoviePlayer::positionChanged()
 {
+    applyInitialPlaybackTime();
     if (m_frameConnection && m_pictureSinceLastReport &&
         m_player.playbackState() == QMediaPlayer::PlayingState) {
         m_pictureSinceLastReport = false;
@@ -90,6 +94,23 @@ void ZuviMediaMoviePlayer::positionChanged()
     }
     m_timeChangeHeld = false;
     emit timeChanged();
+}
+
+// The media backend drops a seek asked for before its pipeline really
+// plays, and says nothing; so the start position is asked for again as the
+// clock reports, until the clock is there (a few tries at most: a stream
+// that cannot seek plays from its start).
+void ZuviMediaMoviePlayer::applyInitialPlaybackTime()
+{
+    if (m_initialTimeApplied || !m_newMediaLoading)
+        return;
+    const qint64 target = qint64(m_initialPlaybackTime * 1000);
+    if (target <= 0 || m_player.position() >= target - 500 || m_startSeekTries >= 8) {
+        m_initialTimeApplied = true;
+        return;
+    }
+    ++m_startSeekTries;
+    m_player.setPosition(target);
 }
 
 void ZuviMediaMoviePlayer::videoFrameArrived()
@@ -219,6 +240,16 @@ void ZuviMediaMoviePlayer::setCurrentPlaybackRate(double rate)
     m_player.setPlaybackRate(rate);
 }
 
+void ZuviMediaMoviePlayer::setVolume(double volume)
+{
+    m_volume = qBound(0.0, volume, 1.0);
+    // The output's volume is the signal's amplitude; an ear hears it on a
+    // logarithmic scale, so a linear slider would do all its work at the
+    // bottom end.
+    m_audio.setVolume(float(QAudio::convertVolume(m_volume, QAudio::LogarithmicVolumeScale,
+                                                  QAudio::LinearVolumeScale)));
+}
+
 int ZuviMediaMoviePlayer::loadStateForStatus(QMediaPlayer::MediaStatus status, float bufferProgress)
 {
     switch (status) {
@@ -241,11 +272,13 @@ int ZuviMediaMoviePlayer::loadStateForStatus(QMediaPlayer::MediaStatus status, f
 
 void ZuviMediaMoviePlayer::mediaStatusChanged(QMediaPlayer::MediaStatus status)
 {
-    if (status == QMediaPlayer::LoadedMedia && !m_initialTimeApplied) {
-        m_initialTimeApplied = true;
-        if (m_initialPlaybackTime > 0)
-            m_player.setPosition(qint64(m_initialPlaybackTime * 1000));
-    }
+    // A status of the media before can still arrive after a new address
+    // was set (pausing the old one reports it loaded): the start position
+    // waits until the new media has been seen loading.
+    if (status == QMediaPlayer::LoadingMedia)
+        m_newMediaLoading = true;
+    if (status == QMediaPlayer::LoadedMedia || status == QMediaPlayer::BufferedMedia)
+        applyInitialPlaybackTime();
     updateLoadState();
     if (status == QMediaPlayer::EndOfMedia && !m_finished) {
         m_finished = true;

@@ -40,6 +40,11 @@ public:
     double currentPlaybackRate() const override;
     void setCurrentPlaybackRate(double rate) override;
 
+    double volume() const override { return m_volume; }
+    void setVolume(double volume) override;
+    bool isMuted() const override { return m_audio.isMuted(); }
+    void setMuted(bool muted) override { m_audio.setMuted(muted); }
+
     // Load-state bits for a media status and buffer level.
     static int loadStateForStatus(QMediaPlayer::MediaStatus status, float bufferProgress);
 
@@ -50,13 +55,17 @@ private:
     void finishAtEnd();
     static void returnFreedMemory();
     void positionChanged();
+    void applyInitialPlaybackTime();
     void videoFrameArrived();
 
     QMediaPlayer m_player;
     QAudioOutput m_audio;
     QPointer<QQuickItem> m_view;
+    double m_volume = 1;
     double m_initialPlaybackTime = 0;
     bool m_initialTimeApplied = false;
+    bool m_newMediaLoading = false; // the media of the current address began loading
+    int m_startSeekTries = 0;
     int m_loadState = LoadStateUnknown;
     bool m_fullscreen = false;
     bool m_finished = false;

@@ -9,8 +9,8 @@
 
 // What the video screen needs from a movie player, and nothing more: start,
 // pause and stop, the clock, the playback state, the load-state bits, an
-// initial position, fullscreen and the rate, plus the seven notifications as
-// signals. The running app uses ZuviMediaMoviePlayer; tests drive a scripted
+// initial position, fullscreen, the rate and the sound, plus the seven
+// notifications as signals. The running app uses ZuviMediaMoviePlayer; tests drive a scripted
 // player through the same interface.
 class ZuviMoviePlayer : public QObject
 {
@@ -94,6 +94,13 @@ public:
 
     virtual double currentPlaybackRate() const = 0;
     virtual void setCurrentPlaybackRate(double rate) = 0;
+
+    // Loudness from 0 (silent) to 1 as the listener hears it: half way
+    // sounds half as loud. Muting keeps the volume for when it ends.
+    virtual double volume() const = 0;
+    virtual void setVolume(double volume) = 0;
+    virtual bool isMuted() const = 0;
+    virtual void setMuted(bool muted) = 0;
 
 signals:
     void loadStateDidChange();

@@ -84,7 +84,8 @@ ZuviVideoPlayerViewController::ZuviVideoPlayerViewController(
       m_overlay(new ZuviDanmakuOverlayView), m_sideContent(new ZuviVideoSideContent(client, this)),
       m_actions(new ZuviVideoActions(client, this)),
       m_endCard(new ZuviPlaybackEndCard(scheduler, m_sideContent, this)),
-      m_fastForward(new ZuviFastForward(this))
+      m_fastForward(new ZuviFastForward(this)),
+      m_playbackOptions(new ZuviPlaybackOptions(scheduler, defaults, m_fastForward, this))
 {
     m_overlay->setParent(this);
     m_overlay->setPadIdiom(ZuviIdiom::isPad());
@@ -111,6 +112,7 @@ void ZuviVideoPlayerViewController::wireParts()
     connect(m_endCard, &ZuviPlaybackEndCard::changed, this, &C::playbackEndChanged);
     connect(m_endCard, &ZuviPlaybackEndCard::autoPlayRequested, this,
             &C::playbackEndAutoPlayRelatedVideo);
+    wirePlaybackOptions();
 }
 
 ZuviVideoPlayerViewController::~ZuviVideoPlayerViewController()
@@ -163,6 +165,7 @@ void ZuviVideoPlayerViewController::viewWillAppear()
 {
     m_acceptsMediaCallbacks = true;
     syncDanmakuEnabledFromDefaults();
+    m_playbackOptions->loadStoredVolume();
     restorePlaybackStateAfterNavigationIfNeeded();
 }
 

@@ -8,6 +8,7 @@
 #include "zuvifastforward.h"
 #include "zuvimovieplayer.h"
 #include "zuviplaybackendcard.h"
+#include "zuviplaybackoptions.h"
 #include "zuvivideoactions.h"
 #include "zuvivideosidecontent.h"
 
@@ -36,8 +37,9 @@ class ZuviScheduler;
 // completion is bound to the screen's lifetime.
 //
 // The screen coordinates parts of its own: the side content (related videos
-// and comments), the video actions, the end card with its countdown and the
-// fast-forward gesture. QML binds to those parts directly; what joins them
+// and comments), the video actions, the end card with its countdown, the
+// fast-forward gesture and the playback options (volume, speed, quality
+// menu, the controls' hiding). QML binds to those parts directly; what joins them
 // to the player lives here.
 class ZuviVideoPlayerViewController : public ZuviViewController
 {
@@ -82,6 +84,7 @@ class ZuviVideoPlayerViewController : public ZuviViewController
     Q_PROPERTY(ZuviVideoActions *actions READ actions CONSTANT)
     Q_PROPERTY(ZuviPlaybackEndCard *endCard READ endCard CONSTANT)
     Q_PROPERTY(ZuviFastForward *fastForward READ fastForward CONSTANT)
+    Q_PROPERTY(ZuviPlaybackOptions *playbackOptions READ playbackOptions CONSTANT)
     Q_PROPERTY(bool padIdiom READ isPadIdiom CONSTANT)
 
 public:
@@ -208,6 +211,12 @@ public:
     Q_INVOKABLE void setDanmakuEnabledByUser(bool enabled);
     Q_INVOKABLE void escapePressed();
 
+    // --- Quality chosen in the player
+    // Asks for the address again from that quality down, and plays it from
+    // where the movie is; the stored preference stays as it is.
+    void switchQuality(int quality);
+    int qualitySwitchRequestID() const { return m_qualitySwitchRequestID; }
+
     // --- Read-only state
     QString sourceTitle() const { return m_sourceTitle; }
     const ZuviVideoItem &videoItem() const { return m_videoItem; }
@@ -243,6 +252,7 @@ public:
     ZuviVideoActions *actions() const { return m_actions; }
     ZuviPlaybackEndCard *endCard() const { return m_endCard; }
     ZuviFastForward *fastForward() const { return m_fastForward; }
+    ZuviPlaybackOptions *playbackOptions() const { return m_playbackOptions; }
     static bool isPadIdiom();
     bool relatedImagesAllowed() const;
 
@@ -292,6 +302,9 @@ private:
     void openRelatedVideo(const ZuviVideoItem &video);
     void setRetry(const QString &title, bool visible);
     void setRetryVisible(bool visible);
+    void wirePlaybackOptions();
+    void playSwitchedQuality(const QUrl &url, int quality, double position);
+    void showQualitySwitchFailure(const QString &message);
     void fetchPlayableURLForPage(const ZuviVideoPage &page, int requestID);
     void loadDanmakuForCID(qint64 cid, int requestID);
     void startMovieWithURL(const QUrl &url, int quality);
@@ -329,6 +342,7 @@ private:
     ZuviVideoActions *m_actions;
     ZuviPlaybackEndCard *m_endCard;
     ZuviFastForward *m_fastForward;
+    ZuviPlaybackOptions *m_playbackOptions;
     QPointer<QQuickItem> m_playerContainer;
     QPointer<QQuickItem> m_movieView;
     QMetaObject::Connection m_containerWidth, m_containerHeight;
@@ -340,6 +354,7 @@ private:
     int m_detailRequestID = 0;
     int m_playbackRequestID = 0;
     int m_movieStartRequestID = 0;
+    int m_qualitySwitchRequestID = 0;
     bool m_acceptsMediaCallbacks = false;
     bool m_loadingDetail = false;
     bool m_loadingPlayURL = false;

@@ -199,6 +199,7 @@ void ZuviVideoPlayerViewController::playPendingMovieInCurrentFullscreenWithReque
     m_movieShouldResumeAfterFullscreenExit = false;
     m_danmakuSuspendedForFullscreenExit = false;
     m_activeQuality = m_pendingQuality;
+    m_playbackOptions->setActiveQuality(m_activeQuality);
     hidePlaybackEndView();
     setStateLabel(QStringLiteral("正在播放 %1p").arg(m_pendingQuality), true);
     m_overlay->clearVisibleDanmaku();

@@ -1,5 +1,6 @@
 #include "zuvivideoscreendesktop.h"
 
+#include "app/zuvikeyboardshortcuts.h"
 #include "desktop/zuvimovieplayernowplaying.h"
 #include "images/zuviimageurl.h"
 #include "zuvivideoplayerviewcontroller.h"
@@ -15,6 +16,40 @@ ZuviVideoScreenDesktop::ZuviVideoScreenDesktop(ZuviVideoPlayerViewController *sc
     connect(screen, &C::detailChanged, this, &ZuviVideoScreenDesktop::followDetail);
     followDetail();
     followPlayer();
+    // The desktop's volume is what the viewer hears: none while muted.
+    ZuviPlaybackOptions *options = screen->playbackOptions();
+    m_connector->setVolumeControl(
+        [options] { return options->isMuted() ? 0.0 : options->volume(); },
+        [options](double volume) {
+            options->setMuted(false);
+            options->setVolume(volume);
+        });
+    connect(options, &ZuviPlaybackOptions::volumeChanged, m_connector,
+            &ZuviMoviePlayerNowPlaying::volumeDidChange);
+    m_connector->setRateControl([options](double rate) { options->chooseNearestSpeed(rate); });
+    if (shortcuts)
+        bindScreenKeys(shortcuts);
+}
+
+void ZuviVideoScreenDesktop::bindScreenKeys(ZuviKeyboardShortcuts *shortcuts)
+{
+    using Keys = ZuviKeyboardShortcuts;
+    ZuviVideoPlayerViewController *screen = m_screen;
+    ZuviPlaybackOptions *options = screen->playbackOptions();
+    shortcuts->bind(Keys::VolumeUp, this, [options] { options->stepVolume(1); });
+    shortcuts->bind(Keys::VolumeDown, this, [options] { options->stepVolume(-1); });
+    shortcuts->bind(Keys::Mute, this, [options] {
+        options->toggleMute();
+        options->pointerMoved();
+    });
+    shortcuts->bind(Keys::SlowerSpeed, this, [options] { options->stepSpeed(-1); });
+    shortcuts->bind(Keys::FasterSpeed, this, [options] { options->stepSpeed(1); });
+    shortcuts->bind(Keys::Fullscreen, this, [screen] { screen->toggleFullscreen(); });
+    shortcuts->bind(
+        Keys::LeaveFullscreen, this, [screen] { screen->escapePressed(); },
+        [screen] { return screen->moviePlayer() && screen->moviePlayer()->isFullscreen(); });
+    shortcuts->bind(Keys::Danmaku, this,
+                    [screen] { screen->setDanmakuEnabledByUser(!screen->isDanmakuEnabled()); });
 }
 
 void ZuviVideoScreenDesktop::followPlayer()

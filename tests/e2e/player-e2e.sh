@@ -1,10 +1,12 @@
 #!/usr/bin/env bash
 # End-to-end run of the app under Xvfb against the demo service: the first
 # video of the recommended grid is opened, then
-# screenshots of playing, after a seek, fullscreen and back inline, then
+# screenshots of playing, after a seek, fullscreen, back inline, and faster in
+# 480P from the player's menu (with the time the new quality took), then
 # (with --measure) whole-process CPU and peak memory of the app playing the
 # 720p clip with its danmaku for 60 s beside a bare Qt player of the same file
-# (as Qt plays it, and with its pipeline bounded as the app's is).
+# (as Qt plays it, and with its pipeline bounded as the app's is), and with
+# the player's controls kept up instead of hidden.
 # Usage: tests/e2e/player-e2e.sh BUILD_DIR OUT_DIR [--measure]
 set -euo pipefail
 
@@ -91,6 +93,10 @@ sample app "$driver" --endpoints "$endpoints" --out "$out/measure" --measure 60 
   tee "$out/measure.txt"
 sample app-no-danmaku "$driver" --endpoints "$endpoints" --out "$out/measure-off" --measure 60 \
   "${video[@]}" --no-danmaku | tee -a "$out/measure.txt"
+# The player's controls kept up the whole time instead of hiding after 3 s:
+# what drawing them over every picture costs.
+sample app-controls-shown "$driver" --endpoints "$endpoints" --out "$out/measure-shown" \
+  --measure 60 "${video[@]}" --controls-shown | tee -a "$out/measure.txt"
 # The bare player plays exactly the file the app played.
 sample bare "$driver" --bare "$clip" --measure 60 | tee -a "$out/measure.txt"
 # The same bare player with its pipeline bounded as the app bounds its own:

@@ -1,18 +1,21 @@
 // Drives the application against a running demo service, in a real window:
 // taps the first video of the recommended grid, lets it play with danmaku,
 // seeks back with the arrow key, enters fullscreen with F and leaves with Esc,
+// speeds up with ] and switches to 480P from the player's quality menu
+// (printing how long the new quality took to play, from the same moment),
 // saving a screenshot after each step and printing what the screen reported.
 // With --measure SECONDS --bvid ID --cid N it only plays that video (one with
 // a dense danmaku document, chosen by player-e2e.sh)
 // (replaying at the end) for that long, for whole-process CPU and memory
-// figures; --no-danmaku starts with the switch off; --bare URL plays the same
+// figures; --no-danmaku starts with the switch off; --controls-shown keeps
+// the player's controls up instead of letting them hide; --bare URL plays the same
 // file in a plain QML MediaPlayer + VideoOutput window, without danmaku or UI;
 // with --trimmed that window's pipeline is bounded as the app bounds its own,
 // to tell the app's pipeline savings from what its screens cost.
 //
 // Usage: zuvi-player-e2e --endpoints FILE --out DIR
 //        zuvi-player-e2e --endpoints FILE --out DIR --measure SECONDS --bvid ID --cid N
-//                        [--no-danmaku]
+//                        [--no-danmaku] [--controls-shown]
 //        zuvi-player-e2e --bare URL --measure SECONDS [--trimmed]
 
 #include "app/zuviappdelegate.h"
@@ -31,6 +34,7 @@
 
 #include <QCommandLineParser>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QGuiApplication>
 #include <QQmlApplicationEngine>
 #include <QQmlExtensionPlugin>
@@ -109,6 +113,7 @@ int main(int argc, char **argv)
     parser.addOption({"bare", "play this address without the app", "url"});
     parser.addOption({"trimmed", "bound the bare player's pipeline as the app does"});
     parser.addOption({"no-danmaku", "start with the danmaku switched off"});
+    parser.addOption({"controls-shown", "keep the player's controls up while measuring"});
     parser.addOption({"bvid", "the video to measure", "id"});
     parser.addOption({"cid", "its part", "cid"});
     parser.process(app);
@@ -147,6 +152,8 @@ int main(int argc, char **argv)
         return 4;
     ZuviVideoPlayerViewController *c = nullptr;
     Script script;
+    QElapsedTimer switchClock;
+    double switchFrom = -1;
 
     // What the screen reports, after the given label.
     const auto report = [&](const QString &label) {
@@ -197,6 +204,10 @@ int main(int argc, char **argv)
                 say("playing " + c->pendingPlayURL().toString());
         });
         if (measure > 0) {
+            // As if the viewer kept a menu open: what the controls cost when
+            // they never hide.
+            if (parser.isSet("controls-shown"))
+                c->playbackOptions()->setControlsInUse(true);
             // Replays whenever the clip ends, until the time is up.
             QObject::connect(c, &ZuviVideoPlayerViewController::playbackEndChanged, c, [c] {
                 if (c->isPlaybackEndVisible())
@@ -219,6 +230,34 @@ int main(int argc, char **argv)
         script.add(3, [&] { shot("3-fullscreen"); });
         script.add(0, [&] { key(Qt::Key_Escape); });
         script.add(2.5, [&] { shot("4-back-inline"); });
+        // Faster with the key, then 480P from the player's menu: the same
+        // moment of the movie in the other quality, at the chosen speed.
+        script.add(0, [&] {
+            key(Qt::Key_BracketRight);
+            switchClock.start();
+            switchFrom = c->moviePlayer() ? c->moviePlayer()->currentPlaybackTime() : -1;
+            // The first picture of the new quality at the moment the old
+            // one left off: what the viewer waits for.
+            QObject::connect(c->moviePlayer(), &ZuviMoviePlayer::videoFrameDidChange, c, [&] {
+                ZuviMoviePlayer *p = c->moviePlayer();
+                if (!switchClock.isValid() || c->activeQuality() != 32 || !p ||
+                    p->currentPlaybackTime() < switchFrom - 0.25)
+                    return;
+                say(QString("quality switch to 480P: first picture after %1 ms, at t=%2 "
+                            "(left at t=%3)")
+                        .arg(switchClock.elapsed())
+                        .arg(p->currentPlaybackTime(), 0, 'f', 2)
+                        .arg(switchFrom, 0, 'f', 2));
+                switchClock.invalidate();
+            });
+            c->playbackOptions()->chooseQuality(1);
+        });
+        script.add(3, [&] {
+            say(QString("speed %1, quality %2")
+                    .arg(c->playbackOptions()->speedButtonTitle(),
+                         c->playbackOptions()->qualityButtonTitle()));
+            shot("5-faster-480p");
+        });
         script.add(0, [&] { QCoreApplication::quit(); });
         script.run();
     };

@@ -29,6 +29,7 @@ private slots:
     void clockMovesWithThePictures();
     void seekToTheEndFinishesPlayback();
     void droppingTheMediaLeavesNothingPlaying();
+    void newMediaStartsAtTheInitialTime();
 
 private:
     void startPlaying(const QString &clip);
@@ -150,6 +151,21 @@ void TestZuviMediaMoviePlayer::droppingTheMediaLeavesNothingPlaying()
     QVERIFY(qIsNaN(player->currentPlaybackTime()));
     QTRY_COMPARE(player->playbackState(), ZuviMoviePlayer::PlaybackStopped);
     QVERIFY(finishes.isEmpty());
+}
+
+// Another quality of the same movie goes on from where the last one was:
+// the same player takes the new address with a position to start at.
+void TestZuviMediaMoviePlayer::newMediaStartsAtTheInitialTime()
+{
+    startPlaying(QStringLiteral("demo-b-360.mp4"));
+    player->pause();
+    player->setInitialPlaybackTime(6.0);
+    player->setContentURL(clipURL(QStringLiteral("demo-b-480.mp4")));
+    player->play();
+    const int framesBefore = frames;
+    QTRY_VERIFY_WITH_TIMEOUT(frames > framesBefore + 3, 10000);
+    const double time = player->currentPlaybackTime();
+    QVERIFY2(time >= 5.9 && time < 9, qPrintable(QString::number(time)));
 }
 
 QTEST_MAIN(TestZuviMediaMoviePlayer)

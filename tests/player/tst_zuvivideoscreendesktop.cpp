@@ -43,6 +43,26 @@ private slots:
         QCOMPARE(s->lastPlayer()->playbackState(), Player::PlaybackPlaying);
     }
 
+    void desktopVolumeAndRateAreTheScreens()
+    {
+        ZuviPlaybackOptions *options = s->c->playbackOptions();
+        options->setVolume(0.8);
+        QCOMPARE(nowPlaying.volume(), 0.8);
+        options->setMuted(true);
+        QCOMPARE(nowPlaying.volume(), 0.0);
+        // Set from the desktop, it is heard (and remembered) like the slider's.
+        nowPlaying.requestVolume(0.3);
+        QVERIFY(!options->isMuted());
+        QCOMPARE(options->volume(), 0.3);
+        QCOMPARE(s->lastPlayer()->volume(), 0.3);
+        QCOMPARE(nowPlaying.volume(), 0.3);
+
+        // A rate from the desktop becomes the nearest speed of the menu.
+        nowPlaying.requestRate(1.4);
+        QCOMPARE(options->speedIndex(), 4);
+        QCOMPARE(s->lastPlayer()->currentPlaybackRate(), 1.5);
+    }
+
     void controlsComeBackWithTheNextPlayerAndGoWithTheScreen()
     {
         // Another screen (a related video, say) takes the controls ...

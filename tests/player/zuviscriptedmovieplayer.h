@@ -68,6 +68,10 @@ public:
 
     double currentPlaybackRate() const override { return m_rate; }
     void setCurrentPlaybackRate(double rate) override { m_rate = rate; }
+    double volume() const override { return m_volume; }
+    void setVolume(double volume) override { m_volume = volume; }
+    bool isMuted() const override { return m_muted; }
+    void setMuted(bool muted) override { m_muted = muted; }
 
     int playCount = 0;
     int stopCount = 0;
@@ -83,4 +87,6 @@ private:
     int m_loadState = LoadStateUnknown;
     bool m_fullscreen = false;
     double m_rate = 1;
+    double m_volume = 1;
+    bool m_muted = false;
 };

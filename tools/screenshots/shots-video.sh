@@ -16,3 +16,5 @@ shot video-action-dialog pad 1024x768 --scenario video --argument dialog --settl
 # along the seek bar.
 shot danmaku-settings-pad pad 1024x768 --scenario video --argument danmaku-settings --settle 1500
 shot danmaku-density-pad pad 1024x768 --scenario video --argument danmaku-density --settle 1500
+# The player's speed menu open over a playing video, the volume control beside it.
+shot player-menus-pad pad 1024x768 --scenario video --argument player-menus --settle 1200

@@ -4,7 +4,8 @@
 // countdown badge up), fastforward (the 2x badge over a playing picture) and
 // dialog (the comment input open), danmaku-density (the density graph on the
 // seek bar) and danmaku-settings (the viewer's danmaku panel open over the
-// playing video). An optional ":N" picks the grid's Nth
+// playing video) and player-menus (the speed menu open over the playing
+// video, the volume beside it). An optional ":N" picks the grid's Nth
 // video instead of the first.
 #include "app/zuviappdelegate.h"
 #include "app/zuvinavigationcontroller.h"
@@ -71,7 +72,12 @@ void scrollToComments(QQuickWindow *window)
 void runShot(const ZuviScreenshotScenario::Context &context, Controller *c, const QString &shot)
 {
     const auto &ready = context.whenReady;
-    const auto save = context.save;
+    // Taken as just after the viewer moved the pointer: the player's
+    // controls show, as they do for a few seconds after every movement.
+    const auto save = [c, take = context.save] {
+        c->playbackOptions()->pointerMoved();
+        take();
+    };
     if (shot == QLatin1String("dialog")) {
         ready([c] { return c->detail().has_value() && sideReady(c); },
               [c, save] {
@@ -105,6 +111,15 @@ void runShot(const ZuviScreenshotScenario::Context &context, Controller *c, cons
                       QMetaObject::invokeMethod(
                           findItem(window->contentItem(), QStringLiteral("danmakuSettingsButton")),
                           "clicked");
+                  save();
+              },
+              kTimeoutMs);
+    } else if (shot == QLatin1String("player-menus")) {
+        ready([c] { return playing(c) && sideReady(c); },
+              [c, save, window = context.window] {
+                  c->playbackOptions()->setVolume(0.7);
+                  QMetaObject::invokeMethod(
+                      findItem(window->contentItem(), QStringLiteral("speedButton")), "clicked");
                   save();
               },
               kTimeoutMs);
