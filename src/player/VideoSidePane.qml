@@ -95,18 +95,27 @@ Item {
     Component {
         id: statusRow
         Label {
+            id: statusLabel
             objectName: "sideStatusRow"
             readonly property bool forComments: ListView.view === commentList
             readonly property string statusText: forComments ? pane.side.commentsStatusText
                                                              : pane.side.relatedStatusText
+            // A failed list says so and asks again when the row is tapped.
+            readonly property bool failed: forComments ? pane.side.commentsFailed
+                                                       : pane.side.relatedFailed
             width: ListView.view ? ListView.view.width : 0
             height: visible ? 44 : 0
             visible: forComments ? pane.side.showsCommentStatusRow
                                         : statusText.length > 0
-            text: statusText.length > 0 ? statusText : "上拉加载更多评论"
+            text: failed ? statusText + "，轻点重试"
+                         : statusText.length > 0 ? statusText : "上拉加载更多评论"
             horizontalAlignment: Text.AlignHCenter
             verticalAlignment: Text.AlignVCenter
             color: "#999"
+            TapHandler {
+                enabled: statusLabel.failed
+                onTapped: pane.side.statusRowTapped(statusLabel.forComments)
+            }
         }
     }
 }

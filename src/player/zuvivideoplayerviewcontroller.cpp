@@ -315,6 +315,11 @@ void ZuviVideoPlayerViewController::loadVideoDetail()
             if (!error.isNull() || !detail) {
                 m_detail = fallbackDetailFromVideoItem(m_videoItem);
                 if (!m_detail) {
+                    // Nothing else loads for this video until the retry, so
+                    // the danmaku line and the side lists stop saying they do.
+                    m_danmakuStatusText.clear();
+                    emit danmakuChanged();
+                    m_sideContent->showUnavailable();
                     showPlaybackError(error.message);
                     emit detailChanged();
                     return;

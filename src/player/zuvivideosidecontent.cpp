@@ -20,10 +20,12 @@ void ZuviVideoSideContent::resetForVideo(qint64 aid, const QString &bvid)
     m_relatedModel->setVideos({});
     m_relatedStatusText = QStringLiteral("相关推荐加载中");
     m_loadingRelated = false;
+    m_relatedFailed = false;
     m_commentItems.clear();
     m_commentsPage = 0;
     m_hasMoreComments = true;
     m_loadingComments = false;
+    m_commentsFailed = false;
     m_commentsStatusText = QStringLiteral("评论加载中");
     emit relatedChanged();
     emit commentsChanged();
@@ -32,6 +34,16 @@ void ZuviVideoSideContent::resetForVideo(qint64 aid, const QString &bvid)
 void ZuviVideoSideContent::clearVideo()
 {
     resetForVideo(0, QString());
+}
+
+void ZuviVideoSideContent::showUnavailable()
+{
+    clearVideo();
+    m_relatedStatusText = QStringLiteral("相关推荐加载失败");
+    m_hasMoreComments = false;
+    m_commentsStatusText = QStringLiteral("评论加载失败");
+    emit relatedChanged();
+    emit commentsChanged();
 }
 
 // MARK: - Related videos
@@ -43,6 +55,7 @@ void ZuviVideoSideContent::loadRelatedVideos()
     const int requestID = ++m_relatedRequestID;
     const QString bvid = m_bvid;
     m_loadingRelated = true;
+    m_relatedFailed = false;
     m_relatedStatusText = QStringLiteral("相关推荐加载中");
     emit relatedChanged();
     m_client->fetchRelatedVideosWithBVID(
@@ -51,6 +64,7 @@ void ZuviVideoSideContent::loadRelatedVideos()
             if (requestID != m_relatedRequestID || bvid != m_bvid)
                 return;
             m_loadingRelated = false;
+            m_relatedFailed = error.hasError();
             if (error.hasError()) {
                 m_relatedVideos.clear();
                 m_relatedStatusText = QStringLiteral("相关推荐加载失败");
@@ -86,6 +100,7 @@ void ZuviVideoSideContent::loadCommentsReset(bool reset)
         return;
     const int page = reset ? 1 : m_commentsPage + 1;
     m_loadingComments = true;
+    m_commentsFailed = false;
     m_commentsStatusText =
         reset ? QStringLiteral("评论加载中") : QStringLiteral("正在加载更多评论");
     if (reset) {
@@ -107,6 +122,7 @@ void ZuviVideoSideContent::loadCommentsReset(bool reset)
                 if (requestID != m_commentsRequestID || aid != m_aid || bvid != m_bvid)
                     return;
                 m_loadingComments = false;
+                m_commentsFailed = error.hasError();
                 if (error.hasError()) {
                     QString text = error.message;
                     if (text.isEmpty())
@@ -127,6 +143,18 @@ void ZuviVideoSideContent::loadCommentsReset(bool reset)
                     m_commentItems.isEmpty() ? QStringLiteral("暂无评论") : QString();
                 emit commentsChanged();
             }));
+}
+
+void ZuviVideoSideContent::statusRowTapped(bool forComments)
+{
+    if (!forComments) {
+        if (m_relatedFailed)
+            loadRelatedVideos();
+        return;
+    }
+    // A failed first page left the list empty; a failed later page kept it.
+    if (m_commentsFailed)
+        loadCommentsReset(m_commentItems.isEmpty());
 }
 
 void ZuviVideoSideContent::loadNextCommentsIfNeeded()

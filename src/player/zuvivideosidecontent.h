@@ -26,9 +26,11 @@ class ZuviVideoSideContent : public QObject
     Q_PROPERTY(QString relatedStatusText READ relatedStatusText NOTIFY relatedChanged)
     Q_PROPERTY(bool loadingRelated READ isLoadingRelated NOTIFY relatedChanged)
     Q_PROPERTY(bool relatedImagesAllowed READ relatedImagesAllowed NOTIFY relatedChanged)
+    Q_PROPERTY(bool relatedFailed READ relatedFailed NOTIFY relatedChanged)
     Q_PROPERTY(QVariantList comments READ commentRows NOTIFY commentsChanged)
     Q_PROPERTY(QString commentsStatusText READ commentsStatusText NOTIFY commentsChanged)
     Q_PROPERTY(bool showsCommentStatusRow READ showsCommentStatusRow NOTIFY commentsChanged)
+    Q_PROPERTY(bool commentsFailed READ commentsFailed NOTIFY commentsChanged)
     Q_PROPERTY(int sideSegment READ sideSegment WRITE setSideSegment NOTIFY sideSegmentChanged)
 
 public:
@@ -40,6 +42,9 @@ public:
     // every answer still under way stale.
     void resetForVideo(qint64 aid, const QString &bvid);
     void clearVideo();
+    // The video itself could not be loaded: both lists say they failed,
+    // without a retry of their own (the screen's retry loads everything).
+    void showUnavailable();
 
     // --- Related videos
     void loadRelatedVideos();
@@ -52,6 +57,8 @@ public:
     // transfers do not compete with the detail and the address.
     bool relatedImagesAllowed() const { return m_relatedImagesAllowed; }
     void setRelatedImagesAllowed(bool allowed);
+    // The last related request failed; its status row then offers a retry.
+    bool relatedFailed() const { return m_relatedFailed; }
 
     // --- Comments
     void loadCommentsReset(bool reset);
@@ -67,6 +74,12 @@ public:
     QString commentsStatusText() const { return m_commentsStatusText; }
     bool showsCommentStatusRow() const;
     QVariantList commentRows() const;
+    // The last comment request failed, a first page or a later one.
+    bool commentsFailed() const { return m_commentsFailed; }
+
+    // A tap on a list's status row: after a failure it asks again (the
+    // comments for the page that failed), otherwise it does nothing.
+    Q_INVOKABLE void statusRowTapped(bool forComments);
 
     // 0 shows the related videos, 1 the comments.
     int sideSegment() const { return m_sideSegment; }
@@ -91,6 +104,7 @@ private:
     QString m_relatedStatusText = QStringLiteral("相关推荐加载中");
     bool m_loadingRelated = false;
     bool m_relatedImagesAllowed = false;
+    bool m_relatedFailed = false;
 
     QList<ZuviCommentItem> m_commentItems;
     int m_commentsPage = 0;
@@ -98,5 +112,6 @@ private:
     bool m_loadingComments = false;
     int m_commentsRequestID = 0;
     QString m_commentsStatusText = QStringLiteral("评论加载中");
+    bool m_commentsFailed = false;
     int m_sideSegment = 0;
 };

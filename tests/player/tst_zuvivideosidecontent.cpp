@@ -98,6 +98,7 @@ void TestVideoSideContent::failedLaterPageKeepsTheListForARetry()
         "*", kCommentsPath,
         {ZuviScriptedAnswer::json(commentsJson(0, 20)),
          ZuviScriptedAnswer::json(zuviJson({{"code", -404}, {"message", "啥都木有"}})),
+         ZuviScriptedAnswer::json(zuviJson({{"code", -404}, {"message", "啥都木有"}})),
          ZuviScriptedAnswer::json(commentsJson(20, 3))});
     ZuviVideoSideContent side(f.client.get());
     side.resetForVideo(42, QStringLiteral("BV1test"));
@@ -109,12 +110,26 @@ void TestVideoSideContent::failedLaterPageKeepsTheListForARetry()
     QVERIFY(side.hasMoreComments());
     QVERIFY(!side.commentsStatusText().isEmpty());
     QVERIFY(side.showsCommentStatusRow());
-    // The next scroll to the end asks for the same page again.
+    QVERIFY(side.commentsFailed());
+    // The next scroll to the end asks for the same page again; it fails
+    // once more, and a tap on the status row asks for it a third time.
     side.loadNextCommentsIfNeeded();
     ZUVI_WAIT(!side.isLoadingComments());
+    QCOMPARE(f.server.requests(kCommentsPath).last().queryValue("pn"), QStringLiteral("2"));
+    QCOMPARE(side.commentItems().size(), 20);
+    QVERIFY(side.commentsFailed());
+    side.statusRowTapped(true);
+    ZUVI_WAIT(!side.isLoadingComments());
     QCOMPARE(side.commentItems().size(), 23);
+    QVERIFY(!side.commentsFailed());
     const QList<ZuviRecordedRequest> sent = f.server.requests(kCommentsPath);
+    QCOMPARE(sent.size(), 4);
     QCOMPARE(sent.last().queryValue("pn"), QStringLiteral("2"));
+    // Without a failure the row is only a label.
+    side.statusRowTapped(true);
+    side.statusRowTapped(false);
+    QVERIFY(!side.isLoadingComments());
+    QVERIFY(!side.isLoadingRelated());
 }
 
 void TestVideoSideContent::answerForAnEarlierVideoIsDropped()

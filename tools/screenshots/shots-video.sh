@@ -6,6 +6,10 @@ shot video-end-inline pad 1024x768 --scenario video --argument end-inline --sett
 # Shortly after the end, while the countdown badge still counts.
 shot video-end-fullscreen pad 1024x768 --scenario video --argument end-fullscreen --settle 900
 shot video-fastforward pad 1024x768 --scenario video --argument fastforward --settle 600
+# A related list that failed offers its retry on the status row.
+"$service" fail /x/web-interface/archive/related code:-500 --port "$port" > /dev/null
+shot video-related-failed pad 1024x768 --scenario video --argument side --settle 2500
+"$service" fail off --port "$port" > /dev/null
 sign_in video-action-dialog
 shot video-action-dialog pad 1024x768 --scenario video --argument dialog --settle 800
 # The viewer's danmaku settings over a playing video, and the density graph
