@@ -217,28 +217,6 @@ void ZuviVideoPlayerViewController::didReceiveMemoryWarning()
     emit danmakuChanged();
 }
 
-// MARK: - Quality preference
-
-int ZuviVideoPlayerViewController::preferredQualityModeIndex() const
-{
-    return ZuviQualityPreference(m_defaults).modeIndex();
-}
-
-QList<int> ZuviVideoPlayerViewController::currentQualityOrder() const
-{
-    return ZuviQualityPreference(m_defaults).qualityOrder();
-}
-
-QString ZuviVideoPlayerViewController::currentQualityModeTitle() const
-{
-    return ZuviQualityPreference(m_defaults).modeTitle();
-}
-
-QString ZuviVideoPlayerViewController::qualityDisplayTitleForQuality(int quality)
-{
-    return ZuviQualityPreference::displayTitleForQuality(quality);
-}
-
 // MARK: - Detail and pages
 
 std::optional<ZuviVideoDetail>

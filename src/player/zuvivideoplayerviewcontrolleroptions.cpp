@@ -111,3 +111,25 @@ void ZuviVideoPlayerViewController::showQualitySwitchFailure(const QString &mess
     m_scheduler->callAfter(this, kHideQualityFailure, kQualityFailureShownFor,
                            [this] { setStateLabel(m_stateText, false); });
 }
+
+// The stored quality preference, which the in-player choice leaves alone.
+
+int ZuviVideoPlayerViewController::preferredQualityModeIndex() const
+{
+    return ZuviQualityPreference(m_defaults).modeIndex();
+}
+
+QList<int> ZuviVideoPlayerViewController::currentQualityOrder() const
+{
+    return ZuviQualityPreference(m_defaults).qualityOrder();
+}
+
+QString ZuviVideoPlayerViewController::currentQualityModeTitle() const
+{
+    return ZuviQualityPreference(m_defaults).modeTitle();
+}
+
+QString ZuviVideoPlayerViewController::qualityDisplayTitleForQuality(int quality)
+{
+    return ZuviQualityPreference::displayTitleForQuality(quality);
+}
