@@ -1,6 +1,7 @@
 #include "zuviremoteconfigmessage.h"
 
 #include <QJsonObject>
+#include <QVariant>
 
 #include <cmath>
 #include <limits>
@@ -32,6 +33,12 @@ std::optional<qint64> ZuviRemoteConfigMessage::integerValueFromObject(const QJso
 {
     switch (value.type()) {
     case QJsonValue::Double: {
+        // An integer in the document (or in a message written back by us)
+        // is kept exactly: a version beyond 2^53 would lose digits as a
+        // double and no longer match the one remembered.
+        const QVariant exact = value.toVariant();
+        if (exact.typeId() == QMetaType::LongLong)
+            return exact.toLongLong();
         const double number = std::trunc(value.toDouble());
         if (!std::isfinite(number))
             return std::nullopt;
