@@ -56,6 +56,25 @@ struct ZuviClientTestFixture {
     {
         (on ? on : &server)->setAnswer("*", path, ZuviScriptedAnswer::json(json));
     }
+
+    // Sends a request of the test's own behind everything the client has sent
+    // so far and waits until the server has it. The transport sends in order,
+    // so a request the client wrongly sent earlier is on the record by then:
+    // "nothing was sent" is checked without waiting for a guessed time.
+    void settle()
+    {
+        const int before = server.requestCount(kSettlePath);
+        client->send(client->requestWithURLString(server.urlString(kSettlePath), QString()),
+                     [](const ZuviHTTPResponse &, const ZuviError &) {});
+        QTRY_COMPARE_WITH_TIMEOUT(server.requestCount(kSettlePath), before + 1, 10000);
+    }
+    // The requests the client itself sent (those of settle() left out).
+    int clientRequestCount() const
+    {
+        return server.requestCount() - server.requestCount(kSettlePath);
+    }
+
+    static inline const QString kSettlePath = QStringLiteral("/settle");
 };
 
 // Spins the event loop until the flag is set (completions arrive on the main thread).

@@ -24,7 +24,6 @@ struct ZuviRecordedRequest {
     QString query;          // the raw query text, without "?"
     ZuviHeaderList headers; // in the order they arrived
     QByteArray body;
-    qint64 arrivalMs = 0; // milliseconds since the server started
 
     // The first header of that name (case-insensitive), or an empty array.
     QByteArray header(const QByteArray &name) const;
