@@ -94,17 +94,11 @@ void TestZuviAPIClientAccount::checksComeFirstAndSendNothing_data()
     QTest::newRow("favourite aid")
         << "favorite"
         << "" << qint64(-1) << qint64(0) << "" << 742 << "当前视频缺少 aid，无法收藏";
-    QTest::newRow("favourite token")
-        << "favorite"
-        << "DedeUserID=42" << qint64(5) << qint64(0) << "" << 741 << token;
     QTest::newRow("favourite member") << "favorite"
                                       << "zuvi_jct=tok" << qint64(5) << qint64(0) << "" << 743
                                       << "缺少登录用户 MID，无法自动查找收藏夹";
     QTest::newRow("watch later aid") << "watchLater" << kLoggedIn << qint64(0) << qint64(0) << ""
                                      << 745 << "当前视频缺少 aid，无法添加稍后再看";
-    QTest::newRow("watch later token")
-        << "watchLater"
-        << "SESSDATA=s" << qint64(5) << qint64(0) << "" << 741 << token;
     QTest::newRow("comment aid before text")
         << "comment"
         << "" << qint64(0) << qint64(0) << "" << 746 << "当前视频缺少 aid，无法发表评论";
@@ -115,13 +109,9 @@ void TestZuviAPIClientAccount::checksComeFirstAndSendNothing_data()
         << "" << qint64(5) << qint64(0) << "好" << 741 << token;
     QTest::newRow("danmaku cid 0") << "danmaku" << kLoggedIn << qint64(5) << qint64(0) << "" << 748
                                    << "当前视频缺少 aid 或 cid，无法发送弹幕";
-    QTest::newRow("danmaku aid 0") << "danmaku" << kLoggedIn << qint64(0) << qint64(6) << "x" << 748
-                                   << "当前视频缺少 aid 或 cid，无法发送弹幕";
     QTest::newRow("danmaku blank text")
         << "danmaku"
         << "" << qint64(5) << qint64(6) << "  " << 749 << "弹幕内容不能为空";
-    QTest::newRow("danmaku token") << "danmaku"
-                                   << "" << qint64(5) << qint64(6) << "x" << 741 << token;
 }
 
 void TestZuviAPIClientAccount::checksComeFirstAndSendNothing()
@@ -144,8 +134,8 @@ void TestZuviAPIClientAccount::checksComeFirstAndSendNothing()
     QCOMPARE(outcome.error.domain, QString(ZuviAPIClient::kErrorDomain));
     QCOMPARE(outcome.error.message, message);
     QCOMPARE(outcome.message, message); // the shown message is the error's text
-    QTest::qWait(20);
-    QCOMPARE(f.server.requestCount(), 0);
+    f.settle();
+    QCOMPARE(f.clientRequestCount(), 0);
 }
 
 void TestZuviAPIClientAccount::actionRequests_data()
@@ -154,12 +144,6 @@ void TestZuviAPIClientAccount::actionRequests_data()
     QTest::addColumn<QString>("path");
     QTest::addColumn<QString>("body");
 
-    QTest::newRow("like") << "like"
-                          << "/x/web-interface/archive/like"
-                          << "aid=5&csrf=tok&like=1";
-    QTest::newRow("watch later") << "watchLater"
-                                 << "/x/v2/history/toview/add"
-                                 << "aid=5&csrf=tok";
     QTest::newRow("comment") << "comment"
                              << "/x/v2/reply/add"
                              << "csrf=tok&message=%E5%A5%BD%20a%26b%3Dc&oid=5&plat=1&type=1";
@@ -365,8 +349,6 @@ void TestZuviAPIClientAccount::qrGenerate_data()
                             << 711 << "二维码生成接口缺少 url 或 qrcode_key";
     QTest::newRow("service code") << zuviJson({{"code", -3}}) << "" << -3
                                   << "二维码生成接口返回错误";
-    QTest::newRow("not an object")
-        << QByteArray("[1]") << "" << 102 << "接口返回格式不是 JSON 对象";
 }
 
 void TestZuviAPIClientAccount::qrGenerate()
@@ -410,12 +392,7 @@ void TestZuviAPIClientAccount::qrPollMessages_data()
         return zuviJson(
             {{"code", -1}, {"data", QJsonObject{{"code", code}, {"message", message}}}});
     };
-    QTest::newRow("waiting") << poll(86101, "") << 86101 << "等待扫码" << 0;
-    QTest::newRow("scanned") << poll("86090", "服务端的话") << 86090 << "已扫码，请在手机上确认"
-                             << 0;
-    QTest::newRow("expired") << poll(86038, "x") << 86038 << "二维码已过期" << 0;
     QTest::newRow("other with message") << poll(5, "服务端的话") << 5 << "服务端的话" << 0;
-    QTest::newRow("other bare") << poll(12345, "") << 12345 << "登录状态 12345" << 0;
     QTest::newRow("no data") << zuviJson({{"code", 0}}) << -1 << "" << 712;
 }
 
@@ -525,11 +502,6 @@ void TestZuviAPIClientAccount::currentUser_data()
         << zuviJson({{"code", 0}, {"data", member}})
         << ZuviScriptedAnswer::json(zuviJson({{"code", -400}})) << 1 << true
         << "LV5  大会员  硬币 12.5" << 0;
-    QTest::newRow("logged out is not an error")
-        << zuviJson({{"code", -101},
-                     {"message", "账号未登录"},
-                     {"data", QJsonObject{{"isLogin", false}}}})
-        << statOk << 0 << true << "登录后可查看历史记录、稍后再看、收藏等个人内容。" << 0;
     QTest::newRow("service error")
         << zuviJson({{"code", -101}}) << statOk << 0 << false << "" << -101;
     QTest::newRow("no user") << zuviJson({{"code", 0}}) << statOk << 0 << false << "" << 701;
