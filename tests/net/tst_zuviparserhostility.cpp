@@ -102,8 +102,6 @@ private slots:
     void hostileBodies_data();
     void hostileBodies();
     void hugeList();
-    void danmakuBodies_data();
-    void danmakuBodies();
 };
 
 void TestZuviParserHostility::hostileBodies_data()
@@ -192,42 +190,6 @@ void TestZuviParserHostility::hugeList()
     QVERIFY(error.isNull());
     QCOMPARE(videos.size(), 133334);
     QCOMPARE(videos.last().bvid, QString("BV199999"));
-}
-
-void TestZuviParserHostility::danmakuBodies_data()
-{
-    QTest::addColumn<QByteArray>("body");
-    QTest::addColumn<int>("count"); // -1: no list
-    QTest::addColumn<QString>("domain");
-    QTest::addColumn<int>("code");
-
-    const QString xml = ZuviVideoContentParser::kXMLErrorDomain;
-    QTest::newRow("empty") << QByteArray() << -1 << QString(ZuviAPIClient::kErrorDomain) << 401;
-    QTest::newRow("json") << QByteArray("{\"code\":-404}") << -1 << xml << 1;
-    QTest::newRow("truncated") << QByteArray("<i><d p=\"1,1\">a</d><d p=\"2") << -1 << xml << 1;
-    QTest::newRow("no d elements")
-        << QByteArray("<i><chatid>5</chatid></i>") << 0 << QString() << 0;
-    QTest::newRow("unsorted, empty texts skipped")
-        << QByteArray("<i><d p=\"7\">b</d><d p=\"2\"></d><d p=\"x,y,z\">a</d></i>") << 2
-        << QString() << 0;
-}
-
-void TestZuviParserHostility::danmakuBodies()
-{
-    QFETCH(QByteArray, body);
-    QFETCH(int, count);
-    QFETCH(QString, domain);
-    QFETCH(int, code);
-
-    ZuviError error;
-    const auto items = ZuviVideoContentParser::parseDanmakuItemsFromData(body, &error);
-    QCOMPARE(items ? int(items->size()) : -1, count);
-    QCOMPARE(error.domain, domain);
-    QCOMPARE(error.code, code);
-    if (items && items->size() == 2) {
-        QCOMPARE(items->first().text, QString("a")); // time 0 sorts first
-        QCOMPARE(items->last().time, 7.0);
-    }
 }
 
 QTEST_MAIN(TestZuviParserHostility)
