@@ -220,11 +220,6 @@ void TestZuviAPIClientWire::errorLogFollowsDeveloperMode()
                            "message=分区榜单缺少列表字段\n"),
              qPrintable(text));
     QCOMPARE(m_f->client->apiRequestErrorLogs(), QStringList{text});
-
-    // No error, nothing recorded even in developer mode.
-    m_f->client->finishWithVideos({}, ZuviError(), {});
-    m_f->client->recordAPIRequestErrorWithCategory(QString(), ZuviError("", 7, ""));
-    QVERIFY(m_f->log->logText().endsWith("接口请求\ndomain=\ncode=7\nmessage=未知请求错误\n"));
 }
 
 void TestZuviAPIClientWire::nilCompletionStillRecordsTheError()
