@@ -18,12 +18,8 @@ private slots:
     void malformedDocumentsKeepEarlierItems();
     void generatedDocumentsReadExactly_data();
     void generatedDocumentsReadExactly();
-    void callbacksCollectOnlyInsideComments();
-    void malformedTextBecomesReplacementCharacters_data();
-    void malformedTextBecomesReplacementCharacters();
     void parserIsReusable();
-    void sortByTimeIsStable_data();
-    void sortByTimeIsStable();
+    void sortPutsNaNLast();
     void sortMatchesReferenceOnGeneratedItems_data();
     void sortMatchesReferenceOnGeneratedItems();
     void fiftyMegabyteDocument();
@@ -121,14 +117,12 @@ void TestZuviDanmakuXMLParser::malformedDocumentsKeepEarlierItems_data()
     QTest::addColumn<int>("keptItems");
     const QByteArray two = "<d p=\"1\">a</d><d p=\"2\">b</d>";
     QTest::newRow("truncated in a tag") << "<i>" + two + "<d p=\"3" << 2;
-    QTest::newRow("truncated in text") << "<i>" + two + "<d p=\"3\">半" << 2;
     QTest::newRow("mismatched tag") << "<i>" + two + "<d p=\"3\">c</x></i>" << 2;
     QTest::newRow("undefined entity") << "<i>" + two + "<d p=\"3\">&nope;</d></i>" << 2;
     QTest::newRow("invalid UTF-8") << "<i>" + two + "<d p=\"3\">\xff\xfe</d></i>" << 2;
     QTest::newRow("junk after the root") << "<i>" + two + "</i><i/>" << 2;
     QTest::newRow("empty body") << QByteArray() << 0;
     QTest::newRow("JSON") << QByteArray("{\"code\":-404,\"message\":\"啥都木有\"}") << 0;
-    QTest::newRow("binary") << QByteArray("\x1f\x8b\x08\x00\x00\x00\x00\x00", 8) << 0;
     QTest::newRow("entity expansion bomb")
         << QByteArray("<?xml version=\"1.0\"?><!DOCTYPE i [<!ENTITY a \"aaaaaaaaaa\">"
                       "<!ENTITY b \"&a;&a;&a;&a;&a;&a;&a;&a;&a;&a;\">"
@@ -204,59 +198,6 @@ void TestZuviDanmakuXMLParser::generatedDocumentsReadExactly()
                             [](const auto &a, const auto &b) { return a.time < b.time; }));
 }
 
-void TestZuviDanmakuXMLParser::callbacksCollectOnlyInsideComments()
-{
-    ZuviDanmakuXMLParser parser;
-    const char *attributes[] = {"p", "4,5,14,255", nullptr};
-    const char *noAttributes[] = {nullptr};
-    parser.foundCharacters("outside", 7);
-    parser.didStartElement("d", attributes);
-    QVERIFY(parser.isReadingDanmaku());
-    parser.foundCharacters("弹", 3);
-    parser.foundCharacters("", 0);
-    parser.didStartElement("b", noAttributes); // other elements leave the state alone
-    parser.foundCharacters("\xe5\xb9\x95", 3);
-    parser.foundCharacters("\xff", 1); // not UTF-8: a replacement character
-    parser.didEndElement("b");
-    parser.didEndElement("d");
-    QVERIFY(!parser.isReadingDanmaku());
-    parser.foundCharacters("after", 5);
-    parser.didEndElement("d"); // a stray end makes nothing
-    QCOMPARE(describe(parser.items()), QStringLiteral("弹幕\uFFFD|4|5|14|255|"));
-}
-
-void TestZuviDanmakuXMLParser::malformedTextBecomesReplacementCharacters_data()
-{
-    // The reader never reports such bytes; a direct caller may. One U+FFFD
-    // per byte that starts no well-formed character.
-    QTest::addColumn<QByteArray>("bytes");
-    QTest::addColumn<QString>("expected");
-    const QChar bad(0xFFFD);
-    QTest::newRow("well-formed mix")
-        << QByteArray("a\xc3\xa9\xe5\xbc\xb9\xf0\x9f\x98\x82") << QStringLiteral("aé弹😂");
-    QTest::newRow("lone continuation") << QByteArray("\x80x") << QString(bad) + "x";
-    QTest::newRow("overlong") << QByteArray("\xc0\xafx") << QString(2, bad) + "x";
-    QTest::newRow("overlong three bytes") << QByteArray("\xe0\x80\xaf") << QString(3, bad);
-    QTest::newRow("surrogate") << QByteArray("\xed\xa0\x80") << QString(3, bad);
-    QTest::newRow("beyond U+10FFFF") << QByteArray("\xf4\x90\x80\x80") << QString(4, bad);
-    QTest::newRow("cut short at the end") << QByteArray("x\xe5\xbc") << "x" + QString(2, bad);
-    QTest::newRow("CJK run broken") << QByteArray("\xe5\xbc\xb9\xe5x\xe5\xbc\xb9")
-                                    << QStringLiteral("弹") + bad + "x" + QStringLiteral("弹");
-}
-
-void TestZuviDanmakuXMLParser::malformedTextBecomesReplacementCharacters()
-{
-    QFETCH(QByteArray, bytes);
-    QFETCH(QString, expected);
-    ZuviDanmakuXMLParser parser;
-    const char *attributes[] = {nullptr};
-    parser.didStartElement("d", attributes);
-    parser.foundCharacters(bytes.constData(), int(bytes.size()));
-    parser.didEndElement("d");
-    QCOMPARE(parser.items().size(), 1);
-    QCOMPARE(parser.items().first().text, expected);
-}
-
 void TestZuviDanmakuXMLParser::parserIsReusable()
 {
     ZuviDanmakuXMLParser parser;
@@ -270,27 +211,14 @@ void TestZuviDanmakuXMLParser::parserIsReusable()
     QVERIFY(parser.items().isEmpty());
 }
 
-void TestZuviDanmakuXMLParser::sortByTimeIsStable_data()
+void TestZuviDanmakuXMLParser::sortPutsNaNLast()
 {
-    QTest::addColumn<QList<double>>("times");
-    QTest::addColumn<QString>("expectedOrder"); // texts after sorting
-    QTest::newRow("empty") << QList<double>{} << "";
-    QTest::newRow("ties keep document order") << QList<double>{2, 1, 2, 1, 2} << "1,3,0,2,4";
-    QTest::newRow("NaN last") << QList<double>{qQNaN(), 1, 0} << "2,1,0";
-}
-
-void TestZuviDanmakuXMLParser::sortByTimeIsStable()
-{
-    QFETCH(QList<double>, times);
-    QFETCH(QString, expectedOrder);
-    QList<ZuviDanmakuItem> items;
-    for (int i = 0; i < times.size(); ++i)
-        items.append(itemAt(times.at(i), QString::number(i)));
+    // Ties keeping document order is the reference comparison's below.
+    QList<ZuviDanmakuItem> items{itemAt(qQNaN(), "0"), itemAt(1, "1"), itemAt(0, "2")};
     ZuviDanmakuXMLParser::sortByTime(items);
-    QStringList order;
-    for (const ZuviDanmakuItem &item : items)
-        order << item.text;
-    QCOMPARE(order.join(QLatin1Char(',')), expectedOrder);
+    QCOMPARE(items.at(0).text, QStringLiteral("2"));
+    QCOMPARE(items.at(1).text, QStringLiteral("1"));
+    QCOMPARE(items.at(2).text, QStringLiteral("0"));
 }
 
 void TestZuviDanmakuXMLParser::sortMatchesReferenceOnGeneratedItems_data()
