@@ -1,10 +1,8 @@
 #include "config/zuvipropertylist.h"
 #include "config/zuviremoteconfig.h"
 #include "platform/zuvihttptransport.h"
-#include "platform/zuvinotificationcenter.h"
 #include "platform/zuvivirtualscheduler.h"
-#include "zuvitesthttpserver.h"
-#include "zuvitestsupport.h"
+#include "zuviloopbackservices.h"
 
 #include <QJsonDocument>
 #include <QtTest>
@@ -59,7 +57,6 @@ private slots:
     void badDocumentKeepsPrevious();
     void restartDropsOldAnswers();
     void messageOncePerVersionAndSource();
-    void pollTimer_data();
     void pollTimer();
     void requestTimeoutFailsOver();
     void cacheSurvivesRestart();
@@ -79,11 +76,9 @@ private:
     std::unique_ptr<ZuviRemoteConfig> makeService();
     int count(const char *name) const;
     QList<ZuviNotification> notes(const char *name) const;
-    QString url(const QString &path) const { return m_server->urlString(path); }
+    QString url(const QString &path) const { return m_services->server.urlString(path); }
 
-    std::unique_ptr<ZuviTestHttpServer> m_server;
-    std::unique_ptr<ZuviScratchDefaults> m_defaults;
-    std::unique_ptr<ZuviNotificationCenter> m_center;
+    std::unique_ptr<ZuviLoopbackServices> m_services;
     std::unique_ptr<ZuviVirtualScheduler> m_scheduler;
     std::unique_ptr<QTemporaryDir> m_cacheDir;
     std::unique_ptr<ZuviRemoteConfig> m_config;
@@ -92,14 +87,12 @@ private:
 
 void TestZuviRemoteConfig::init()
 {
-    m_server = std::make_unique<ZuviTestHttpServer>();
-    QVERIFY(m_server->start());
-    m_defaults = std::make_unique<ZuviScratchDefaults>();
-    m_center = std::make_unique<ZuviNotificationCenter>();
+    m_services = std::make_unique<ZuviLoopbackServices>();
+    QVERIFY(m_services->started);
     m_scheduler = std::make_unique<ZuviVirtualScheduler>();
     m_cacheDir = std::make_unique<QTemporaryDir>();
     m_notes.clear();
-    m_center->addObserver(QString(), this, [this](const ZuviNotification &note) {
+    m_services->center.addObserver(QString(), this, [this](const ZuviNotification &note) {
         QVERIFY(QThread::currentThread() == qApp->thread());
         m_notes.append(note);
     });
@@ -109,16 +102,15 @@ void TestZuviRemoteConfig::init()
 void TestZuviRemoteConfig::cleanup()
 {
     m_config.reset();
-    m_center.reset();
     m_scheduler.reset();
     m_cacheDir.reset();
-    m_defaults.reset();
-    m_server.reset();
+    m_services.reset();
 }
 
 std::unique_ptr<ZuviRemoteConfig> TestZuviRemoteConfig::makeService()
 {
-    return std::make_unique<ZuviRemoteConfig>(m_defaults->get(), m_center.get(), m_scheduler.get());
+    return std::make_unique<ZuviRemoteConfig>(m_services->defaults.get(), &m_services->center,
+                                              m_scheduler.get());
 }
 
 void TestZuviRemoteConfig::refresh(Refresh *result)
@@ -164,8 +156,8 @@ void TestZuviRemoteConfig::failoverInstallsSecondSource()
 {
     ZuviScriptedAnswer slowFailure = status(500);
     slowFailure.delayMs = 50;
-    m_server->setAnswer("GET", "/first.json", slowFailure);
-    m_server->setAnswer("GET", "/second.json", document(kDocumentA, "\"e1\""));
+    m_services->server.setAnswer("GET", "/first.json", slowFailure);
+    m_services->server.setAnswer("GET", "/second.json", document(kDocumentA, "\"e1\""));
     startService({url("/first.json"), url("/second.json")});
 
     QTRY_COMPARE(count(ZuviRemoteConfig::kDidUpdateNotification), 1);
@@ -178,8 +170,8 @@ void TestZuviRemoteConfig::failoverInstallsSecondSource()
     QCOMPARE(count(ZuviRemoteConfig::kDidFailNotification), 0);
 
     // One source at a time, in order, each request as the service sends it.
-    QCOMPARE(m_server->maxInFlight(), 1);
-    const QList<ZuviRecordedRequest> requests = m_server->requests();
+    QCOMPARE(m_services->server.maxInFlight(), 1);
+    const QList<ZuviRecordedRequest> requests = m_services->server.requests();
     QCOMPARE(requests.size(), 2);
     QCOMPARE(requests.at(0).path, QStringLiteral("/first.json"));
     for (const ZuviRecordedRequest &request : requests) {
@@ -233,9 +225,9 @@ void TestZuviRemoteConfig::allSourcesFailWithLastError()
     QFETCH(QString, domain);
     QFETCH(int, code);
     QFETCH(QString, message);
-    m_server->setAnswer("GET", "/500", status(500));
-    m_server->setAnswer("GET", "/404", status(404));
-    m_server->setAnswer("GET", "/empty", ZuviScriptedAnswer::json(QByteArray()));
+    m_services->server.setAnswer("GET", "/500", status(500));
+    m_services->server.setAnswer("GET", "/404", status(404));
+    m_services->server.setAnswer("GET", "/empty", ZuviScriptedAnswer::json(QByteArray()));
     QString closedBase;
     {
         ZuviTestHttpServer closed;
@@ -249,7 +241,7 @@ void TestZuviRemoteConfig::allSourcesFailWithLastError()
         file.write(kDocumentA);
     }
     for (QString &source : sources) {
-        source.replace("%S", m_server->baseUrl().toString(QUrl::StripTrailingSlash))
+        source.replace("%S", m_services->server.baseUrl().toString(QUrl::StripTrailingSlash))
             .replace("%C", closedBase)
             .replace("%F", QUrl::fromLocalFile(filePath).toString());
     }
@@ -288,14 +280,14 @@ void TestZuviRemoteConfig::noSourcesAnswersAtOnce()
              QStringLiteral("ZuviRemoteConfigMessageVersion"));
     QCoreApplication::processEvents();
     QVERIFY(m_notes.isEmpty());
-    QCOMPARE(m_server->requestCount(), 0);
+    QCOMPARE(m_services->server.requestCount(), 0);
 }
 
 void TestZuviRemoteConfig::conditionalRequestsAnd304()
 {
-    m_server->setAnswer("GET", "/down.json", status(503));
-    m_server->setAnswerSequence("GET", "/c.json",
-                                {document(kDocumentA, "\"e1\""), status(304), status(304)});
+    m_services->server.setAnswer("GET", "/down.json", status(503));
+    m_services->server.setAnswerSequence(
+        "GET", "/c.json", {document(kDocumentA, "\"e1\""), status(304), status(304)});
     startService({url("/down.json"), url("/c.json")});
     QTRY_COMPARE(count(ZuviRemoteConfig::kDidUpdateNotification), 1);
     QTRY_COMPARE(readFile(m_config->cacheDataPath()), kDocumentA);
@@ -307,7 +299,7 @@ void TestZuviRemoteConfig::conditionalRequestsAnd304()
     QCOMPARE(nameOf(result.config), QStringLiteral("A"));
 
     // The validators of the document in force go to every source tried.
-    const QList<ZuviRecordedRequest> requests = m_server->requests();
+    const QList<ZuviRecordedRequest> requests = m_services->server.requests();
     QCOMPARE(requests.size(), 4);
     for (int i = 2; i < 4; ++i) {
         QCOMPARE(requests.at(i).header("If-None-Match"), QByteArray("\"e1\""));
@@ -318,14 +310,14 @@ void TestZuviRemoteConfig::conditionalRequestsAnd304()
     QCOMPARE(count(ZuviRemoteConfig::kDidFailNotification), 0);
     QCOMPARE(readFile(m_config->cacheMetadataPath()), metadataBefore);
     refresh(&result);
-    QCOMPARE(m_server->requests().last().header("If-None-Match"), QByteArray("\"e1\""));
+    QCOMPARE(m_services->server.requests().last().header("If-None-Match"), QByteArray("\"e1\""));
     QCOMPARE(m_config->currentSourceURLString(), url("/c.json"));
 }
 
 void TestZuviRemoteConfig::identicalBytesAnnouncedOnce()
 {
-    m_server->setAnswerSequence("GET", "/c.json",
-                                {document(kDocumentA, "\"e1\""), document(kDocumentA, "\"e2\"")});
+    m_services->server.setAnswerSequence(
+        "GET", "/c.json", {document(kDocumentA, "\"e1\""), document(kDocumentA, "\"e2\"")});
     startService({url("/c.json")});
     QTRY_COMPARE(count(ZuviRemoteConfig::kDidUpdateNotification), 1);
     QTRY_COMPARE(count(ZuviRemoteConfig::kMessageDidUpdateNotification), 1);
@@ -342,15 +334,15 @@ void TestZuviRemoteConfig::identicalBytesAnnouncedOnce()
                      readFile(m_config->cacheMetadataPath()))) &&
                 metadata->value("etag").toString() == QStringLiteral("\"e2\""));
     refresh(&result);
-    QCOMPARE(m_server->requests().last().header("If-None-Match"), QByteArray("\"e2\""));
+    QCOMPARE(m_services->server.requests().last().header("If-None-Match"), QByteArray("\"e2\""));
 }
 
 void TestZuviRemoteConfig::badDocumentKeepsPrevious()
 {
     // Which bodies are refused is the parser's table (the values suite); here,
     // what a refused document leaves in force.
-    m_server->setAnswerSequence("GET", "/c.json",
-                                {document(kDocumentA, "\"e1\""), document("[]", "\"e2\"")});
+    m_services->server.setAnswerSequence(
+        "GET", "/c.json", {document(kDocumentA, "\"e1\""), document("[]", "\"e2\"")});
     startService({url("/c.json")});
     QTRY_COMPARE(count(ZuviRemoteConfig::kDidUpdateNotification), 1);
 
@@ -371,15 +363,15 @@ void TestZuviRemoteConfig::badDocumentKeepsPrevious()
     QCOMPARE(readFile(m_config->cacheDataPath()), kDocumentA);
     // The validators stay those of the document in force.
     refresh(&result);
-    QCOMPARE(m_server->requests().last().header("If-None-Match"), QByteArray("\"e1\""));
+    QCOMPARE(m_services->server.requests().last().header("If-None-Match"), QByteArray("\"e1\""));
 }
 
 void TestZuviRemoteConfig::restartDropsOldAnswers()
 {
     ZuviScriptedAnswer slow = document(kDocumentA, "\"old\"");
     slow.delayMs = 300;
-    m_server->setAnswer("GET", "/old.json", slow);
-    m_server->setAnswer("GET", "/new.json", document(kDocumentB, "\"new\""));
+    m_services->server.setAnswer("GET", "/old.json", slow);
+    m_services->server.setAnswer("GET", "/new.json", document(kDocumentB, "\"new\""));
 
     startService({url("/old.json")});
     const quint64 firstGeneration = m_config->generation();
@@ -390,7 +382,7 @@ void TestZuviRemoteConfig::restartDropsOldAnswers()
             oldRefresh.config = config;
             oldRefresh.error = error;
         });
-    QTRY_COMPARE(m_server->requestCount("/old.json"), 2);
+    QTRY_COMPARE(m_services->server.requestCount("/old.json"), 2);
 
     startService({url("/new.json")});
     QCOMPARE(m_config->generation(), firstGeneration + 1);
@@ -417,7 +409,7 @@ void TestZuviRemoteConfig::messageOncePerVersionAndSource()
     auto messageDocument = [](const QByteArray &message, const QByteArray &padding) {
         return document("{\"pad\":\"" + padding + "\",\"message\":" + message + "}");
     };
-    m_server->setAnswerSequence(
+    m_services->server.setAnswerSequence(
         "GET", "/m.json",
         {messageDocument(R"({"version":2,"text":"first","image":"http://i/2.png"})", "1"),
          messageDocument(R"({"version":2,"text":"changed"})", "2"),
@@ -425,8 +417,8 @@ void TestZuviRemoteConfig::messageOncePerVersionAndSource()
          messageDocument(R"({"version":5})", "4"),
          messageDocument(R"({"version":5,"text":"late"})", "5"),
          messageDocument(R"({"version":4,"text":"older"})", "6")});
-    m_server->setAnswer("GET", "/other.json",
-                        messageDocument(R"({"version":3,"text":"elsewhere"})", "7"));
+    m_services->server.setAnswer("GET", "/other.json",
+                                 messageDocument(R"({"version":3,"text":"elsewhere"})", "7"));
 
     startService({url("/m.json")});
     QTRY_COMPARE(count(ZuviRemoteConfig::kMessageDidUpdateNotification), 1);
@@ -448,7 +440,8 @@ void TestZuviRemoteConfig::messageOncePerVersionAndSource()
         QCOMPARE(m_config->storedMessageVersion(), expectedStored.at(i));
     }
     QCOMPARE(count(ZuviRemoteConfig::kDidUpdateNotification), 6);
-    QCOMPARE(m_defaults->get()->integerForKey("ZuviRemoteConfigMessageVersion:" + url("/m.json")),
+    QCOMPARE(m_services->defaults.get()->integerForKey("ZuviRemoteConfigMessageVersion:" +
+                                                       url("/m.json")),
              5);
 
     // Another first source keeps a counter of its own (and, as the other
@@ -462,38 +455,30 @@ void TestZuviRemoteConfig::messageOncePerVersionAndSource()
     QCOMPARE(m_config->messageVersionDefaultsKey(),
              "ZuviRemoteConfigMessageVersion:" + url("/other.json"));
     QCOMPARE(m_config->storedMessageVersion(), 3);
-    QCOMPARE(m_defaults->get()->integerForKey("ZuviRemoteConfigMessageVersion:" + url("/m.json")),
+    QCOMPARE(m_services->defaults.get()->integerForKey("ZuviRemoteConfigMessageVersion:" +
+                                                       url("/m.json")),
              5);
 
     m_config->resetStoredMessageVersion();
     QCOMPARE(m_config->storedMessageVersion(), 0);
-    QVERIFY(!m_defaults->get()->containsKey(m_config->messageVersionDefaultsKey()));
-}
-
-void TestZuviRemoteConfig::pollTimer_data()
-{
-    QTest::addColumn<double>("interval");
-    QTest::addColumn<double>("expected");
-    QTest::newRow("zero") << 0.0 << 14400.0;
-    QTest::newRow("short") << 2.0 << 2.0;
+    QVERIFY(!m_services->defaults.get()->containsKey(m_config->messageVersionDefaultsKey()));
 }
 
 void TestZuviRemoteConfig::pollTimer()
 {
-    QFETCH(double, interval);
-    QFETCH(double, expected);
-    m_server->setAnswer("GET", "/c.json", status(304));
-    startService({url("/c.json")}, interval);
-    QCOMPARE(m_config->options().pollInterval, expected);
-    QTRY_COMPARE(m_server->requestCount(), 1);
+    // What a zero interval becomes is the values suite's.
+    const double expected = 2.0;
+    m_services->server.setAnswer("GET", "/c.json", status(304));
+    startService({url("/c.json")}, expected);
+    QTRY_COMPARE(m_services->server.requestCount(), 1);
     QCOMPARE(m_scheduler->nextDueIn(), expected);
 
     m_scheduler->advance(expected / 2);
     QCOMPARE(m_scheduler->nextDueIn(), expected / 2);
     m_scheduler->advance(expected / 2);
-    QTRY_COMPARE(m_server->requestCount(), 2);
+    QTRY_COMPARE(m_services->server.requestCount(), 2);
     m_scheduler->advance(expected);
-    QTRY_COMPARE(m_server->requestCount(), 3);
+    QTRY_COMPARE(m_services->server.requestCount(), 3);
 
     // Stopped: the timer is gone and no more refreshes follow.
     m_config->stop();
@@ -502,18 +487,15 @@ void TestZuviRemoteConfig::pollTimer()
     m_scheduler->advance(expected * 3);
     Refresh result;
     refresh(&result); // an explicit refresh still works after stop
-    QCOMPARE(m_server->requestCount(), 4);
+    QCOMPARE(m_services->server.requestCount(), 4);
 }
 
 void TestZuviRemoteConfig::requestTimeoutFailsOver()
 {
     ZuviScriptedAnswer silent;
     silent.neverAnswer = true;
-    m_server->setAnswer("GET", "/hang.json", silent);
-    m_server->setAnswer("GET", "/c.json", document(kDocumentB));
-
-    startService({url("/c.json")}, 0, -1);
-    QCOMPARE(m_config->options().requestTimeout, 30.0);
+    m_services->server.setAnswer("GET", "/hang.json", silent);
+    m_services->server.setAnswer("GET", "/c.json", document(kDocumentB));
 
     // A short timeout is the hanging source's transport error; the next source answers.
     startService({url("/hang.json"), url("/c.json")}, 0, 0.3);
@@ -527,7 +509,8 @@ void TestZuviRemoteConfig::requestTimeoutFailsOver()
 
 void TestZuviRemoteConfig::cacheSurvivesRestart()
 {
-    m_server->setAnswerSequence("GET", "/c.json", {document(kDocumentA, "\"e1\""), status(304)});
+    m_services->server.setAnswerSequence("GET", "/c.json",
+                                         {document(kDocumentA, "\"e1\""), status(304)});
     startService({url("/c.json")});
     QTRY_COMPARE(count(ZuviRemoteConfig::kMessageDidUpdateNotification), 1);
     QTRY_COMPARE(readFile(m_config->cacheDataPath()), kDocumentA);
@@ -536,7 +519,8 @@ void TestZuviRemoteConfig::cacheSurvivesRestart()
     // A new process: the cached document is in force before any answer.
     m_config = makeService();
     // As if this store had never announced it.
-    m_defaults->get()->removeObjectForKey("ZuviRemoteConfigMessageVersion:" + url("/c.json"));
+    m_services->defaults.get()->removeObjectForKey("ZuviRemoteConfigMessageVersion:" +
+                                                   url("/c.json"));
     m_notes.clear();
     startService({url("/c.json")});
     QCOMPARE(nameOf(m_config->currentConfig()), QStringLiteral("A"));
@@ -545,9 +529,9 @@ void TestZuviRemoteConfig::cacheSurvivesRestart()
     QVERIFY(m_config->currentMessage().has_value());
 
     // The first refresh revalidates with the cached validators and gets 304.
-    QTRY_COMPARE(m_server->requestCount(), 2);
-    QCOMPARE(m_server->requests().last().header("If-None-Match"), QByteArray("\"e1\""));
-    QCOMPARE(m_server->requests().last().header("If-Modified-Since"), kLastModified);
+    QTRY_COMPARE(m_services->server.requestCount(), 2);
+    QCOMPARE(m_services->server.requests().last().header("If-None-Match"), QByteArray("\"e1\""));
+    QCOMPARE(m_services->server.requests().last().header("If-Modified-Since"), kLastModified);
     Refresh result;
     refresh(&result);
     QCOMPARE(nameOf(result.config), QStringLiteral("A"));
@@ -565,14 +549,14 @@ void TestZuviRemoteConfig::badCacheIgnored()
         QVERIFY(file.open(QIODevice::WriteOnly));
         file.write("[1,2,3]");
     }
-    m_server->setAnswer("GET", "/c.json", status(304));
+    m_services->server.setAnswer("GET", "/c.json", status(304));
     startService({url("/c.json")});
     QVERIFY(!m_config->currentConfig().has_value());
     Refresh result;
     refresh(&result);
     QVERIFY(!result.config.has_value());
     QVERIFY(result.error.isNull());
-    QVERIFY(!m_server->requests().first().hasHeader("If-None-Match"));
+    QVERIFY(!m_services->server.requests().first().hasHeader("If-None-Match"));
     QVERIFY(m_notes.isEmpty());
 }
 
@@ -580,13 +564,16 @@ void TestZuviRemoteConfig::destroyedWithRequestInFlight()
 {
     ZuviScriptedAnswer slowFailure = status(500);
     slowFailure.delayMs = 300;
-    m_server->setAnswer("GET", "/a.json", slowFailure);
-    m_server->setAnswer("GET", "/b.json", document(kDocumentB));
+    m_services->server.setAnswer("GET", "/a.json", slowFailure);
+    m_services->server.setAnswer("GET", "/b.json", document(kDocumentB));
     startService({url("/a.json"), url("/b.json")});
-    QTRY_COMPARE(m_server->requestCount("/a.json"), 1);
+    QTRY_COMPARE(m_services->server.requestCount("/a.json"), 1);
     m_config.reset();
-    QTest::qWait(500); // the failure arrives after the service is gone
-    QCOMPARE(m_server->requestCount("/b.json"), 0);
+    // The failure is sent after the service is gone; let anything it could
+    // still have caused run before looking.
+    QTRY_COMPARE(m_services->server.inFlight(), 0);
+    QCoreApplication::processEvents();
+    QCOMPARE(m_services->server.requestCount("/b.json"), 0);
     QCOMPARE(count(ZuviRemoteConfig::kDidUpdateNotification), 0);
 }
 
