@@ -19,7 +19,6 @@ private slots:
     void cleanup();
     void entryLayoutWithAndWithoutCategory();
     void emptyTextChangesNothingAndPostsNothing();
-    void missingFinalLineBreakIsAddedBeforeTheNextEntry();
     void appendPastTheLimitTrimsToWholeLines();
     void trimmingKeepsTheTailWhenItsOnlyBreakIsLast();
     void clearPostsEvenWhenAlreadyEmpty();
@@ -68,13 +67,6 @@ void TestZuviDebugLog::emptyTextChangesNothingAndPostsNothing()
     QCoreApplication::processEvents();
     QCOMPARE(spy.count(), 0);
     QVERIFY(!m_store->get()->containsKey("ZuviDebugLogText"));
-}
-
-void TestZuviDebugLog::missingFinalLineBreakIsAddedBeforeTheNextEntry()
-{
-    m_store->get()->setString("written by hand", "ZuviDebugLogText");
-    m_log->appendText("next");
-    QCOMPARE(m_log->logText(), QStringLiteral("written by hand\n[2026-11-22 09:05:07]\nnext\n"));
 }
 
 void TestZuviDebugLog::appendPastTheLimitTrimsToWholeLines()

@@ -23,7 +23,6 @@ private slots:
     void partialFileKeepsOtherDefaults();
     void badFilesFailWithAClearMessage_data();
     void badFilesFailWithAClearMessage();
-    void unreadableFileIsReported();
     void launchOptionsReadEndpointsIdiomAndEnvironment();
     void launchOptionsRejectBadValues_data();
     void launchOptionsRejectBadValues();
@@ -88,14 +87,6 @@ void TestZuviEndpoints::badFilesFailWithAClearMessage()
     // A failed load leaves every value as it was.
     QCOMPARE(endpoints.api, before.api);
     QCOMPARE(endpoints.remoteConfigSource, before.remoteConfigSource);
-}
-
-void TestZuviEndpoints::unreadableFileIsReported()
-{
-    ZuviEndpoints endpoints = ZuviEndpoints::defaults();
-    ZuviError error;
-    QVERIFY(!ZuviEndpoints::loadFile("/nonexistent/endpoints.json", &endpoints, &error));
-    QVERIFY(error.message.contains("无法读取端点文件 /nonexistent/endpoints.json"));
 }
 
 void TestZuviEndpoints::launchOptionsReadEndpointsIdiomAndEnvironment()

@@ -138,7 +138,12 @@ void TestZuviScheduler::timerSchedulerRunsOnTheMainThread()
     QVERIFY(!scheduler.isScheduled(&owner, "once"));
     scheduler.cancelAll(&owner);
     const int stopped = repeated;
-    QTest::qWait(30);
+    // A later call on another owner firing means the cancelled repeat, due
+    // every 5 ms, would have fired by then too.
+    QObject witness;
+    bool witnessed = false;
+    scheduler.callAfter(&witness, "witness", 0.02, [&] { witnessed = true; });
+    QTRY_VERIFY(witnessed);
     QCOMPARE(repeated, stopped);
     QCOMPARE(oneShot, 1);
 }
