@@ -189,12 +189,9 @@ void TestZuviRemoteConfig::failoverInstallsSecondSource()
     QTRY_VERIFY((metadata = ZuviPropertyList::dictionaryFromXmlData(
                      readFile(m_config->cacheMetadataPath())))
                     .has_value());
+    // The answering source, not the first one. (The validators kept there
+    // are seen at work in the restart test's revalidation.)
     QCOMPARE(metadata->value("sourceURL").toString(), url("/second.json"));
-    QCOMPARE(metadata->value("etag").toString(), QStringLiteral("\"e1\""));
-    QCOMPARE(metadata->value("lastModified").toString(), QString::fromLatin1(kLastModified));
-    QVERIFY(qAbs(metadata->value("cachedAt").toDateTime().secsTo(QDateTime::currentDateTimeUtc())) <
-            600);
-    QCOMPARE(m_config->cacheDataPath(), QDir(m_cacheDir->path()).filePath("remote_config.json"));
 }
 
 void TestZuviRemoteConfig::allSourcesFailWithLastError_data()

@@ -85,10 +85,6 @@ void TestZuviAPIClientLists::requestShapes_data()
                                         << "/x/web-interface/ranking/v2"
                                         << "rid=0&type=all&web_location=333.934&ps=100"
                                         << "http://web.test/v/popular/rank/all";
-    QTest::newRow("web ranking route") << "ranking 1 douga 50"
-                                       << "/x/web-interface/ranking/v2"
-                                       << "rid=1&type=all&web_location=333.934&ps=50"
-                                       << "http://web.test/v/popular/rank/douga";
     QTest::newRow("region ranking") << "region -1"
                                     << "/x/web-interface/ranking/v2"
                                     << "rid=0&type=all"
