@@ -360,17 +360,10 @@ void TestZuviAPIClientAccount::qrGenerate()
 
     ZuviClientTestFixture f;
     f.answerJson("/x/passport-login/web/qrcode/generate", answer, &f.otherServer);
-    QString gotURL, gotKey;
-    ZuviError gotError;
-    bool done = false;
-    f.client->generateLoginQRCodeWithCompletion(
-        [&](const QString &loginURL, const QString &key, const ZuviError &error) {
-            gotURL = loginURL;
-            gotKey = key;
-            gotError = error;
-            done = true;
-        });
-    ZUVI_WAIT(done);
+    ZuviCompletionSpy<const QString &, const QString &, const ZuviError &> spy;
+    f.client->generateLoginQRCodeWithCompletion(spy.completion());
+    ZUVI_WAIT(spy.calls == 1);
+    const auto &[gotURL, gotKey, gotError] = spy.arguments;
     QCOMPARE(f.server.requestCount(), 0); // the passport host, not the API host
     const ZuviRecordedRequest request = f.otherServer.requests().first();
     QCOMPARE(request.query, QString("source=main-fe-header"));
@@ -405,18 +398,10 @@ void TestZuviAPIClientAccount::qrPollMessages()
 
     ZuviClientTestFixture f;
     f.answerJson("/x/passport-login/web/qrcode/poll", answer, &f.otherServer);
-    int gotCode = 0;
-    QString gotMessage;
-    ZuviError gotError;
-    bool done = false;
-    f.client->pollLoginQRCodeWithKey(" key/1&2 \n",
-                                     [&](int c, const QString &m, const ZuviError &e) {
-                                         gotCode = c;
-                                         gotMessage = m;
-                                         gotError = e;
-                                         done = true;
-                                     });
-    ZUVI_WAIT(done);
+    ZuviCompletionSpy<int, const QString &, const ZuviError &> spy;
+    f.client->pollLoginQRCodeWithKey(" key/1&2 \n", spy.completion());
+    ZUVI_WAIT(spy.calls == 1);
+    const auto &[gotCode, gotMessage, gotError] = spy.arguments;
     QCOMPARE(f.otherServer.requests().first().query, QString("qrcode_key=key/1&2"));
     QCOMPARE(gotCode, code);
     QCOMPARE(gotMessage, message);
@@ -463,16 +448,11 @@ void TestZuviAPIClientAccount::qrPollStoresSessionCookie()
 void TestZuviAPIClientAccount::qrPollWithoutKeySendsNothing()
 {
     ZuviClientTestFixture f;
-    int gotCode = 0;
-    QString gotMessage;
-    ZuviError gotError;
-    f.client->pollLoginQRCodeWithKey(" \n",
-                                     [&](int code, const QString &message, const ZuviError &error) {
-                                         gotCode = code;
-                                         gotMessage = message;
-                                         gotError = error;
-                                     });
-    ZUVI_WAIT(gotCode == -1);
+    ZuviCompletionSpy<int, const QString &, const ZuviError &> spy;
+    f.client->pollLoginQRCodeWithKey(" \n", spy.completion());
+    ZUVI_WAIT(spy.calls == 1);
+    const auto &[gotCode, gotMessage, gotError] = spy.arguments;
+    QCOMPARE(gotCode, -1);
     QCOMPARE(gotMessage, QString("缺少 qrcode_key"));
     QVERIFY(gotError.isNull());
     QCOMPARE(f.otherServer.requestCount(), 0);
@@ -519,16 +499,10 @@ void TestZuviAPIClientAccount::currentUser()
     ZuviClientTestFixture f;
     f.answerJson("/x/web-interface/nav", nav);
     f.server.setAnswer("GET", "/x/relation/stat", stat);
-    std::optional<ZuviUserProfile> profile;
-    ZuviError gotError;
-    bool done = false;
-    f.client->fetchCurrentUserProfileWithCompletion(
-        [&](const std::optional<ZuviUserProfile> &p, const ZuviError &e) {
-            profile = p;
-            gotError = e;
-            done = true;
-        });
-    ZUVI_WAIT(done);
+    ZuviCompletionSpy<const std::optional<ZuviUserProfile> &, const ZuviError &> spy;
+    f.client->fetchCurrentUserProfileWithCompletion(spy.completion());
+    ZUVI_WAIT(spy.calls == 1);
+    const auto &[profile, gotError] = spy.arguments;
     QCOMPARE(f.server.requests().first().header("Referer"), QByteArray("http://web.test/"));
     QCOMPARE(f.server.requestCount("/x/relation/stat"), statRequests);
     if (statRequests > 0) {

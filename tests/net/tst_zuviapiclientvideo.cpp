@@ -26,11 +26,7 @@ QByteArray danmakuDocument()
            "<d p=\"3,4,36,0\">中</d></i>";
 }
 
-struct DanmakuOutcome {
-    QList<ZuviDanmakuItem> items;
-    ZuviError error;
-    int calls = 0;
-};
+using DanmakuSpy = ZuviCompletionSpy<const QList<ZuviDanmakuItem> &, const ZuviError &>;
 } // namespace
 
 class TestZuviAPIClientVideo : public QObject
@@ -80,16 +76,10 @@ void TestZuviAPIClientVideo::detail()
 
     ZuviClientTestFixture f;
     f.answerJson("/x/web-interface/view", answer);
-    std::optional<ZuviVideoDetail> detail;
-    ZuviError error;
-    bool done = false;
-    f.client->fetchVideoDetailWithBVID(
-        "BV1d", [&](const std::optional<ZuviVideoDetail> &d, const ZuviError &e) {
-            detail = d;
-            error = e;
-            done = true;
-        });
-    ZUVI_WAIT(done);
+    ZuviCompletionSpy<const std::optional<ZuviVideoDetail> &, const ZuviError &> spy;
+    f.client->fetchVideoDetailWithBVID("BV1d", spy.completion());
+    ZUVI_WAIT(spy.calls == 1);
+    const auto &[detail, error] = spy.arguments;
     const ZuviRecordedRequest request = f.server.requests().first();
     QCOMPARE(request.query, QString("bvid=BV1d"));
     QCOMPARE(request.header("Referer"), QByteArray("http://web.test/video/BV1d/"));
@@ -149,16 +139,10 @@ void TestZuviAPIClientVideo::playURLWalk()
 
     ZuviClientTestFixture f;
     f.server.setAnswerSequence("GET", "/x/player/playurl", answers);
-    QString gotURL = "unset";
-    int gotQuality = -1;
-    ZuviError error;
-    f.client->fetchPlayURLWithBVID("BV1p", 99, qualities,
-                                   [&](const QString &u, int q, const ZuviError &e) {
-                                       gotURL = u;
-                                       gotQuality = q;
-                                       error = e;
-                                   });
-    ZUVI_WAIT(gotQuality != -1);
+    ZuviCompletionSpy<const QString &, int, const ZuviError &> spy;
+    f.client->fetchPlayURLWithBVID("BV1p", 99, qualities, spy.completion());
+    ZUVI_WAIT(spy.calls == 1);
+    const auto &[gotURL, gotQuality, error] = spy.arguments;
     QCOMPARE(f.server.requestCount(), requested.size());
     for (int i = 0; i < requested.size(); ++i) {
         const ZuviRecordedRequest request = f.server.requests().at(i);
@@ -181,7 +165,6 @@ void TestZuviAPIClientVideo::playURLMessages_data()
 {
     QTest::addColumn<QJsonObject>("data");
     QTest::addColumn<QString>("message");
-    QTest::newRow("bare") << QJsonObject() << "请求qn=16，accept=--，没有传统durl";
     QTest::newRow("dash with accept")
         << QJsonObject{{"accept_quality", QJsonArray{80, 64, 32, 16}}, {"dash", QJsonObject()}}
         << "请求qn=16，accept=80,64,32,16，返回了DASH，没有传统durl";
@@ -247,13 +230,10 @@ void TestZuviAPIClientVideo::danmakuSources()
     f.client->setRequestTimeoutMs(300);
     f.server.setAnswer("GET", "/x/v1/dm/list.so", primary);
     f.otherServer.setAnswer("GET", "/77.xml", legacy);
-    DanmakuOutcome outcome;
-    f.client->fetchDanmakuWithCID(77, [&](const QList<ZuviDanmakuItem> &items, const ZuviError &e) {
-        outcome.items = items;
-        outcome.error = e;
-        outcome.calls += 1;
-    });
-    ZUVI_WAIT(outcome.calls == 1);
+    DanmakuSpy spy;
+    f.client->fetchDanmakuWithCID(77, spy.completion());
+    ZUVI_WAIT(spy.calls == 1);
+    const auto &[items, error] = spy.arguments;
 
     const ZuviRecordedRequest request = f.server.requests().first();
     QCOMPARE(request.query, QString("oid=77"));
@@ -262,19 +242,19 @@ void TestZuviAPIClientVideo::danmakuSources()
     QCOMPARE(f.otherServer.requestCount("/77.xml"), legacyRequests);
     if (legacyRequests > 0)
         QCOMPARE(f.otherServer.requests().first().header("Accept"), QByteArray("text/xml,*/*"));
-    QCOMPARE(outcome.items.size(), count);
+    QCOMPARE(items.size(), count);
     if (code == -1)
-        QVERIFY(outcome.error.hasError() && outcome.error.domain != ZuviAPIClient::kErrorDomain);
+        QVERIFY(error.hasError() && error.domain != ZuviAPIClient::kErrorDomain);
     else if (code == 1)
-        QCOMPARE(outcome.error.domain, QString(ZuviVideoContentParser::kXMLErrorDomain));
+        QCOMPARE(error.domain, QString(ZuviVideoContentParser::kXMLErrorDomain));
     else
-        QCOMPARE(outcome.error.code, code);
+        QCOMPARE(error.code, code);
     if (count == 3) {
         // Sorted by time, with the texts decoded.
-        QCOMPARE(outcome.items.at(0).text, QString("先 & 好"));
-        QCOMPARE(outcome.items.at(0).time, 1.25);
-        QCOMPARE(outcome.items.at(1).mode, 4);
-        QCOMPARE(outcome.items.at(2).danmakuID, QString("id2"));
+        QCOMPARE(items.at(0).text, QString("先 & 好"));
+        QCOMPARE(items.at(0).time, 1.25);
+        QCOMPARE(items.at(1).mode, 4);
+        QCOMPARE(items.at(2).danmakuID, QString("id2"));
     }
 }
 
@@ -286,15 +266,12 @@ void TestZuviAPIClientVideo::danmakuPrimaryIsPlainHttp()
     f.rebuild();
     f.server.setAnswer("GET", "/x/v1/dm/list.so",
                        ZuviScriptedAnswer::text(danmakuDocument(), "text/xml"));
-    DanmakuOutcome outcome;
-    f.client->fetchDanmakuWithCID(77, [&](const QList<ZuviDanmakuItem> &items, const ZuviError &e) {
-        outcome.items = items;
-        outcome.error = e;
-        outcome.calls += 1;
-    });
-    ZUVI_WAIT(outcome.calls == 1);
-    QVERIFY2(outcome.error.isNull(), qPrintable(outcome.error.message));
-    QCOMPARE(outcome.items.size(), 3);
+    DanmakuSpy spy;
+    f.client->fetchDanmakuWithCID(77, spy.completion());
+    ZUVI_WAIT(spy.calls == 1);
+    const auto &[items, error] = spy.arguments;
+    QVERIFY2(error.isNull(), qPrintable(error.message));
+    QCOMPARE(items.size(), 3);
     QCOMPARE(f.otherServer.requestCount(), 0);
 }
 
@@ -352,16 +329,10 @@ void TestZuviAPIClientVideo::comments()
     f.answerJson(
         "/x/v2/reply/main",
         zuviJson({{"code", 0}, {"data", QJsonObject{{"replies", QJsonArray{mainReply}}}}}));
-    QList<ZuviCommentItem> comments;
-    ZuviError error;
-    bool done = false;
-    f.client->fetchCommentsForAID(aid, "BV1c", page, pageSize,
-                                  [&](const QList<ZuviCommentItem> &c, const ZuviError &e) {
-                                      comments = c;
-                                      error = e;
-                                      done = true;
-                                  });
-    ZUVI_WAIT(done);
+    ZuviCompletionSpy<const QList<ZuviCommentItem> &, const ZuviError &> spy;
+    f.client->fetchCommentsForAID(aid, "BV1c", page, pageSize, spy.completion());
+    ZUVI_WAIT(spy.calls == 1);
+    const auto &[comments, error] = spy.arguments;
     QCOMPARE(f.server.requestCount("/x/v2/reply"), query.isEmpty() ? 0 : 1);
     if (!query.isEmpty()) {
         const ZuviRecordedRequest request = f.server.requests("/x/v2/reply").first();

@@ -93,19 +93,12 @@ void TestZuviFollowingFeed::request()
                   {"data", QJsonObject{{"items", QJsonArray{item("1", QJsonObject(), "你好")}},
                                        {"has_more", true},
                                        {"offset", 123}}}}));
-    QList<ZuviFollowingRow> rows;
-    bool hasMore = false;
-    QString next;
-    bool done = false;
-    f.client->fetchFollowingRowsWithType(
-        type, page, offset,
-        [&](const QList<ZuviFollowingRow> &r, bool more, const QString &o, const ZuviError &) {
-            rows = r;
-            hasMore = more;
-            next = o;
-            done = true;
-        });
-    ZUVI_WAIT(done);
+    ZuviCompletionSpy<const QList<ZuviFollowingRow> &, bool, const QString &, const ZuviError &>
+        spy;
+    f.client->fetchFollowingRowsWithType(type, page, offset, spy.completion());
+    ZUVI_WAIT(spy.calls == 1);
+    const auto &[rows, hasMore, next, error] = spy.arguments;
+    QVERIFY(error.isNull());
     const ZuviRecordedRequest request = f.server.requests().first();
     QCOMPARE(request.query, query);
     QCOMPARE(request.header("Referer"), QByteArray("http://dynamic.test/"));
@@ -115,14 +108,11 @@ void TestZuviFollowingFeed::request()
     QCOMPARE(next, QString("123"));
 
     // The short form: page 1, no offset, rows and error only.
-    bool shortDone = false;
-    f.client->fetchFollowingRowsWithType(type,
-                                         [&](const QList<ZuviFollowingRow> &r, const ZuviError &e) {
-                                             QCOMPARE(r.size(), 1);
-                                             QVERIFY(e.isNull());
-                                             shortDone = true;
-                                         });
-    ZUVI_WAIT(shortDone);
+    ZuviCompletionSpy<const QList<ZuviFollowingRow> &, const ZuviError &> shortSpy;
+    f.client->fetchFollowingRowsWithType(type, shortSpy.completion());
+    ZUVI_WAIT(shortSpy.calls == 1);
+    QCOMPARE(std::get<0>(shortSpy.arguments).size(), 1);
+    QVERIFY(std::get<1>(shortSpy.arguments).isNull());
     QCOMPARE(f.server.requests().last().queryValue("page"), QString("1"));
 }
 

@@ -12,7 +12,9 @@
 #include <QJsonObject>
 #include <QTest>
 
+#include <functional>
 #include <memory>
+#include <tuple>
 
 // A client wired to scratch services: the API host on a loopback server, the
 // passport and comment hosts on a second one (so a request on the wrong host
@@ -75,6 +77,22 @@ struct ZuviClientTestFixture {
     }
 
     static inline const QString kSettlePath = QStringLiteral("/settle");
+};
+
+// Keeps what a completion was last called with, and how often it was called:
+// hand spy.completion() to an operation, wait on spy.calls, then read
+// spy.arguments (a tuple, for a structured binding).
+template <typename... Args> struct ZuviCompletionSpy {
+    int calls = 0;
+    std::tuple<std::decay_t<Args>...> arguments;
+
+    std::function<void(Args...)> completion()
+    {
+        return [this](Args... received) {
+            ++calls;
+            arguments = std::make_tuple(received...);
+        };
+    }
 };
 
 // Spins the event loop until the flag is set (completions arrive on the main thread).
