@@ -12,10 +12,11 @@
 
 // The demo service over real loopback HTTP, for what the end-to-end suite
 // (which drives the lists, a video's detail and bytes, comments, the signed-in
-// actions and their effects and the failure switches through the client)
-// does not reach: seeded content, Range answers, thumbnails, conditional
-// configuration, the QR login's states and expiry, the checks on writes,
-// persistence and the switches' clock, limits and clearing.
+// actions and their effects and the failure switches through the client, all
+// matched against content built in its own process from the same seed) does
+// not reach: regions, search paging, the feed's addresses, Range answers,
+// thumbnails, conditional configuration, the QR login's page and expiry, the
+// checks on writes, persistence and the switches' clock and clearing.
 class TestZuviDemoService : public QObject
 {
     Q_OBJECT
@@ -24,7 +25,6 @@ private slots:
     void init();
     void cleanup();
 
-    void sameSeedSameAnswers();
     void rankingFollowsRegion();
     void searchPagesToTheEnd();
     void followingFeedFollowsTheServiceOrigin();
@@ -126,26 +126,6 @@ QString TestZuviDemoService::signIn(ZuviDemoTestClient &client)
     pairs << "buvid3=" + b3 << "buvid4=" + device.value("b_4").toString() << "buvid_fp=" + b3;
     client.setCookie(pairs.join("; "));
     return client.cookie();
-}
-
-void TestZuviDemoService::sameSeedSameAnswers()
-{
-    auto twin = makeService(1);
-    auto other = makeService(2);
-    ZuviDemoTestClient twinClient(twin->port());
-    ZuviDemoTestClient otherClient(other->port());
-    const QString path = "/x/web-interface/popular?pn=2&ps=30";
-    // Addresses carry each service's own port; the rest must be identical.
-    // Only the port after the host is replaced: the digits of a port may
-    // also occur inside an id.
-    const auto normalised = [](const ZuviDemoTestClient::Result &result, quint16 port) {
-        return QString::fromUtf8(result.response.body)
-            .replace(QStringLiteral("127.0.0.1:%1").arg(port), QStringLiteral("127.0.0.1:PORT"));
-    };
-    const QString mine = normalised(m_client->get(path), m_service->port());
-    QVERIFY(mine.contains("\"list\""));
-    QCOMPARE(normalised(twinClient.get(path), twin->port()), mine);
-    QVERIFY(normalised(otherClient.get(path), other->port()) != mine);
 }
 
 void TestZuviDemoService::rankingFollowsRegion()
