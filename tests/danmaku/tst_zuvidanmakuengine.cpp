@@ -146,7 +146,6 @@ void TestZuviDanmakuEngine::modesDispatch_data()
     QTest::newRow("5 top") << 5 << int(ZuviDanmakuLabel::Fixed) << 2;
     QTest::newRow("4 bottom") << 4 << int(ZuviDanmakuLabel::Fixed) << 3;
     QTest::newRow("1 scrolls") << 1 << int(ZuviDanmakuLabel::Scrolling) << 1;
-    QTest::newRow("0 scrolls") << 0 << int(ZuviDanmakuLabel::Scrolling) << 1;
 }
 
 void TestZuviDanmakuEngine::modesDispatch()

@@ -18,8 +18,6 @@ void TestZuviImageURL::normalizedURLString_data()
     QTest::addColumn<QString>("expected");
     // What gives no address at all (no value, not text, blank) is the
     // loader suite's failure table, which also sees that nothing is fetched.
-    QTest::newRow("plain") << QVariant(QStringLiteral("http://h/a/b.jpg"))
-                           << QStringLiteral("http://h/a/b.jpg");
     QTest::newRow("trimmed") << QVariant(QStringLiteral("\n  http://h/a.jpg \r\n"))
                              << QStringLiteral("http://h/a.jpg");
     QTest::newRow("space") << QVariant(QStringLiteral("http://h/a b.jpg"))

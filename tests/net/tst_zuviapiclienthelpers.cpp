@@ -55,9 +55,6 @@ void TestZuviAPIClientHelpers::escapingRules_data()
     QTest::addColumn<QString>("input");
     QTest::addColumn<QString>("form");
     QTest::addColumn<QString>("url");
-    QTest::newRow("mixed") << "a b&c=d/é"
-                           << "a%20b%26c%3Dd%2F%C3%A9"
-                           << "a%20b&c=d/%C3%A9";
     // A lone "%" is escaped too, so that a keyword such as "100%" arrives intact.
     QTest::newRow("reserved") << "!*'();:@&=+$,/?%#[]"
                               << "%21%2A%27%28%29%3B%3A%40%26%3D%2B%24%2C%2F%3F%25%23%5B%5D"
@@ -105,15 +102,8 @@ void TestZuviAPIClientHelpers::cookieDictionaryWritesLoginAndDeviceCookiesFirst(
     QCOMPARE(ZuviAPIClient::cookieStringFromDictionary(
                  {{"zz", "1"}, {"SESSDATA", "s"}, {"buvid3", "b"}, {"DedeUserID", ""}}),
              QStringLiteral("SESSDATA=s; buvid3=b; zz=1"));
-    QCOMPARE(ZuviAPIClient::cookieStringFromDictionary({{"b_nut", "9"},
-                                                        {"Aa", "x"},
-                                                        {"zuvi_jct", "t"},
-                                                        {"buvid4", "4"},
-                                                        {"DedeUserID__ckMd5", "m"},
-                                                        {"DedeUserID", "42"},
-                                                        {"buvid_fp", "f"}}),
-             QStringLiteral("DedeUserID=42; DedeUserID__ckMd5=m; zuvi_jct=t; buvid4=4; "
-                            "buvid_fp=f; b_nut=9; Aa=x"));
+    // The whole order, device cookies included, is the account suite's
+    // device-identity test's.
     QCOMPARE(ZuviAPIClient::cookieStringFromDictionary({}), QString());
 }
 
