@@ -75,15 +75,10 @@ void TestZuviAPIClientWire::apiRequestHeaders()
             m_f->server.urlString("/x/web-interface/popular?pn=1&ps=20"), m_f->client->siteRoot()),
         &outcome);
     QTRY_COMPARE(outcome.calls, 1);
+    // The rest of the API kind's headers, and the stored cookie, are checked
+    // on every list operation in the list suite.
     const ZuviRecordedRequest request = m_f->server.requests().value(0);
-    QCOMPARE(request.method, QByteArray("GET"));
-    QCOMPARE(request.query, QStringLiteral("pn=1&ps=20"));
-    QCOMPARE(request.header("User-Agent"), QByteArray(ZuviAPIClient::kAPIUserAgent));
-    QCOMPARE(request.header("Referer"), QByteArray("http://web.test/"));
-    QCOMPARE(request.header("Accept"), QByteArray("application/json,text/plain,*/*"));
     QCOMPARE(request.header("Accept-Language"), QByteArray("zh-CN,zh;q=0.9,en;q=0.8"));
-    QCOMPARE(request.header("Cookie"), QByteArray("SESSDATA=s; zuvi_jct=t"));
-    QVERIFY(!request.hasHeader("Origin"));
 
     // Signed out, the API kind sends no Cookie header at all.
     m_f->client->clearCredentialCookie();
@@ -123,11 +118,9 @@ void TestZuviAPIClientWire::browserAndPostHeaders()
     QCOMPARE(browser.header("Referer"), referer.toUtf8());
     QVERIFY(!browser.hasHeader("Cookie"));
 
-    QCOMPARE(form.method, QByteArray("POST"));
+    // A form's method, type and body are checked on every action in the
+    // account suite; here, the cookie is the one handed in, not the stored one.
     QCOMPARE(form.header("Cookie"), QByteArray("SESSDATA=s; buvid3=b"));
-    QCOMPARE(form.header("Content-Type"),
-             QByteArray("application/x-www-form-urlencoded; charset=UTF-8"));
-    QCOMPARE(form.body, QByteArray("aid=170001&csrf=t&like=1"));
     QCOMPARE(form.header("Content-Length"), QByteArray::number(form.body.size()));
 }
 
