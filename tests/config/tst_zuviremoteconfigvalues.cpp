@@ -29,7 +29,6 @@ void TestZuviRemoteConfigValues::sanitizedSources_data()
 {
     QTest::addColumn<QVariantList>("sources");
     QTest::addColumn<QStringList>("expected");
-    QTest::newRow("empty") << QVariantList() << QStringList();
     QTest::newRow("trimmed, blanks dropped, order and duplicates kept")
         << QVariantList{" http://a/c.json\n", "", "  \t", "http://b/c.json", "http://a/c.json"}
         << QStringList{"http://a/c.json", "http://b/c.json", "http://a/c.json"};

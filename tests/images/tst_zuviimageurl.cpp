@@ -20,8 +20,6 @@ void TestZuviImageURL::normalizedURLString_data()
     // loader suite's failure table, which also sees that nothing is fetched.
     QTest::newRow("trimmed") << QVariant(QStringLiteral("\n  http://h/a.jpg \r\n"))
                              << QStringLiteral("http://h/a.jpg");
-    QTest::newRow("space") << QVariant(QStringLiteral("http://h/a b.jpg"))
-                           << QStringLiteral("http://h/a%20b.jpg");
     QTest::newRow("utf-8") << QVariant(QStringLiteral("http://h/封面.jpg"))
                            << QStringLiteral("http://h/%E5%B0%81%E9%9D%A2.jpg");
     QTest::newRow("not un-escaped first")
