@@ -58,7 +58,7 @@ private slots:
     void staleCompletionIgnored();
     void poolKeepsAtMost36();
     void sizeChangeResetsToLastPosition();
-    void disabledAndHiddenOnlyRecordTime();
+    void emptyListOrZeroSizeOnlyRecordTime();
     void readableColor_data();
     void readableColor();
     void labelSize_data();
@@ -522,25 +522,10 @@ void TestZuviDanmakuEngine::sizeChangeResetsToLastPosition()
     QVERIFY(rig.engine.visibleLabel(0).origin.y() < 200);
 }
 
-void TestZuviDanmakuEngine::disabledAndHiddenOnlyRecordTime()
+void TestZuviDanmakuEngine::emptyListOrZeroSizeOnlyRecordTime()
 {
-    Rig rig(ZuviIdiom::Pad, QSizeF(400, 300));
-    rig.engine.setDanmakuItems(stream(0, 30, 0.5));
-    rig.engine.tickAtPlaybackTime(0.0, true);
-    QVERIFY(rig.engine.visibleLabelCount() > 0);
-
-    rig.engine.setDanmakuEnabled(false);
-    QCOMPARE(rig.engine.visibleLabelCount(), 0);
-    const int index = rig.engine.nextItemIndex(); // clearing leaves the index alone
-    QCOMPARE(index, 2);
-    rig.engine.tickAtPlaybackTime(7.3, true);
-    QCOMPARE(rig.engine.nextItemIndex(), index);
-    QCOMPARE(rig.engine.lastPlaybackTime(), 7.3);
-
-    rig.engine.setDanmakuEnabled(true); // back at the last position
-    QCOMPARE(rig.engine.nextItemIndex(), rig.engine.firstItemIndexAtOrAfterTime(7.05));
-
-    // An empty list or a zero size: ticks record the time and nothing else.
+    // Switched off, the same holds; the overlay's suite switches it off and
+    // on again in a window.
     Rig empty(ZuviIdiom::Pad, QSizeF(0, 0));
     empty.engine.setDanmakuItems(stream(0, 5, 0.5));
     empty.engine.tickAtPlaybackTime(3.0, true);

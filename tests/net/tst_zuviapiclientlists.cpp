@@ -33,21 +33,11 @@ class TestZuviAPIClientLists : public QObject
     Q_OBJECT
 
 private:
-    // Runs one list operation and waits for its single completion.
-    struct Outcome {
-        Videos videos;
-        ZuviError error;
-        int calls = 0;
+    // A list operation's completion: how often it came, and what it last brought.
+    struct Outcome : ZuviCompletionSpy<const Videos &, const ZuviError &> {
+        const Videos &videos() const { return std::get<0>(arguments); }
+        const ZuviError &error() const { return std::get<1>(arguments); }
     };
-
-    static ZuviAPIClient::VideosCompletion recorder(Outcome *outcome)
-    {
-        return [outcome](const Videos &videos, const ZuviError &error) {
-            outcome->videos = videos;
-            outcome->error = error;
-            outcome->calls += 1;
-        };
-    }
 
 private slots:
     void requestShapes_data();
@@ -121,22 +111,22 @@ void TestZuviAPIClientLists::requestShapes()
     const QStringList words = operation.split(' ');
     const QString name = words.at(0);
     if (name == "popular")
-        f.client->fetchPopularPage(words[1].toInt(), words[2].toInt(), recorder(&outcome));
+        f.client->fetchPopularPage(words[1].toInt(), words[2].toInt(), outcome.completion());
     else if (name == "recommended")
-        f.client->fetchRecommendedPage(words[1].toInt(), words[2].toInt(), recorder(&outcome));
+        f.client->fetchRecommendedPage(words[1].toInt(), words[2].toInt(), outcome.completion());
     else if (name == "ranking")
         f.client->fetchWebRankingWithRID(words[1].toInt(), words[2] == "-" ? QString() : words[2],
-                                         words[3].toInt(), recorder(&outcome));
+                                         words[3].toInt(), outcome.completion());
     else if (name == "region")
-        f.client->fetchRegionRankingWithRID(words[1].toInt(), recorder(&outcome));
+        f.client->fetchRegionRankingWithRID(words[1].toInt(), outcome.completion());
     else if (name == "history")
-        f.client->fetchHistoryVideosWithCompletion(recorder(&outcome));
+        f.client->fetchHistoryVideosWithCompletion(outcome.completion());
     else if (name == "watchLater")
-        f.client->fetchWatchLaterVideosWithCompletion(recorder(&outcome));
+        f.client->fetchWatchLaterVideosWithCompletion(outcome.completion());
     else if (name == "related")
-        f.client->fetchRelatedVideosWithBVID(words.mid(1).join(' '), recorder(&outcome));
+        f.client->fetchRelatedVideosWithBVID(words.mid(1).join(' '), outcome.completion());
     else if (name == "mediaID")
-        f.client->fetchFavoriteVideosWithMediaID(words[1].toLongLong(), recorder(&outcome));
+        f.client->fetchFavoriteVideosWithMediaID(words[1].toLongLong(), outcome.completion());
     ZUVI_WAIT(outcome.calls == 1);
 
     QCOMPARE(f.server.requestCount(), 1);
@@ -151,11 +141,11 @@ void TestZuviAPIClientLists::requestShapes()
     QCOMPARE(request.header("Cookie"), QByteArray("SESSDATA=s; zuvi_jct=t"));
     QVERIFY(!request.hasHeader("Origin"));
 
-    QVERIFY2(outcome.error.isNull(), qPrintable(outcome.error.message));
-    QCOMPARE(outcome.videos.size(), 2);
-    QCOMPARE(outcome.videos.at(0).bvid, QString("BV1aa"));
-    QCOMPARE(outcome.videos.at(1).bvid, QString("BV1bb"));
-    QCOMPARE(outcome.videos.at(0).playCountText, QString("1.2万"));
+    QVERIFY2(outcome.error().isNull(), qPrintable(outcome.error().message));
+    QCOMPARE(outcome.videos().size(), 2);
+    QCOMPARE(outcome.videos().at(0).bvid, QString("BV1aa"));
+    QCOMPARE(outcome.videos().at(1).bvid, QString("BV1bb"));
+    QCOMPARE(outcome.videos().at(0).playCountText, QString("1.2万"));
 }
 
 void TestZuviAPIClientLists::regionRankingFallback_data()
@@ -201,7 +191,7 @@ void TestZuviAPIClientLists::regionRankingFallback()
     f.server.setAnswer("GET", "/x/web-interface/ranking/v2", current);
     f.server.setAnswer("GET", "/x/web-interface/ranking/region", legacy);
     Outcome outcome;
-    f.client->fetchRegionRankingWithRID(-3, recorder(&outcome));
+    f.client->fetchRegionRankingWithRID(-3, outcome.completion());
     ZUVI_WAIT(outcome.calls == 1);
 
     QCOMPARE(f.server.requestCount("/x/web-interface/ranking/v2"), 1);
@@ -209,10 +199,10 @@ void TestZuviAPIClientLists::regionRankingFallback()
     if (legacyRequests > 0)
         QCOMPARE(f.server.requests("/x/web-interface/ranking/region").first().query,
                  QString("rid=0&day=3"));
-    QCOMPARE(outcome.videos.size(), expectedCount);
-    QCOMPARE(outcome.error.code, expectedCode);
+    QCOMPARE(outcome.videos().size(), expectedCount);
+    QCOMPARE(outcome.error().code, expectedCode);
     if (expectedCode == -404)
-        QCOMPARE(outcome.error.message, QString("旧分区榜单接口返回错误"));
+        QCOMPARE(outcome.error().message, QString("旧分区榜单接口返回错误"));
 }
 
 void TestZuviAPIClientLists::legacyRankingFactories()
@@ -225,12 +215,12 @@ void TestZuviAPIClientLists::legacyRankingFactories()
     f.answerJson("/x/web-interface/ranking/region",
                  zuviJson({{"code", 0}, {"data", QJsonObject{{"list", list}}}}));
     Outcome outcome;
-    f.client->fetchLegacyRegionRankingWithRID(4, ZuviError(), recorder(&outcome));
+    f.client->fetchLegacyRegionRankingWithRID(4, ZuviError(), outcome.completion());
     ZUVI_WAIT(outcome.calls == 1);
-    QCOMPARE(outcome.videos.size(), 1);
-    QCOMPARE(outcome.videos.at(0).ownerName, QString("未知 UP"));
-    QCOMPARE(outcome.videos.at(0).playCountText, QString("0"));
-    QCOMPARE(outcome.videos.at(0).commentCountText, QString("0"));
+    QCOMPARE(outcome.videos().size(), 1);
+    QCOMPARE(outcome.videos().at(0).ownerName, QString("未知 UP"));
+    QCOMPARE(outcome.videos().at(0).playCountText, QString("0"));
+    QCOMPARE(outcome.videos().at(0).commentCountText, QString("0"));
 }
 
 void TestZuviAPIClientLists::searchRetriesOnceAfterDelay_data()
@@ -259,7 +249,7 @@ void TestZuviAPIClientLists::searchRetriesOnceAfterDelay()
     f.server.setAnswerSequence("GET", kSearchPath, {first, second});
 
     Outcome outcome;
-    f.client->fetchSearchVideosWithKeyword("  猫 狗\n", 0, recorder(&outcome));
+    f.client->fetchSearchVideosWithKeyword("  猫 狗\n", 0, outcome.completion());
     // The first failure schedules the retry on the virtual clock.
     ZUVI_WAIT(f.scheduler.pendingCount() == 1);
     QCOMPARE(f.server.requestCount(), 1);
@@ -278,12 +268,12 @@ void TestZuviAPIClientLists::searchRetriesOnceAfterDelay()
         QCOMPARE(request.header("Referer"), QByteArray("http://search.test/"));
     }
     if (secondSucceeds) {
-        QVERIFY(outcome.error.isNull());
-        QCOMPARE(outcome.videos.size(), 1);
-        QCOMPARE(outcome.videos.at(0).title, QString("猫和狗"));
+        QVERIFY(outcome.error().isNull());
+        QCOMPARE(outcome.videos().size(), 1);
+        QCOMPARE(outcome.videos().at(0).title, QString("猫和狗"));
     } else {
-        QCOMPARE(outcome.error.code, -412);
-        QCOMPARE(outcome.error.message, QString("还是拦截"));
+        QCOMPARE(outcome.error().code, -412);
+        QCOMPARE(outcome.error().message, QString("还是拦截"));
     }
     // No third attempt, however long we wait.
     f.scheduler.advance(10);
@@ -297,10 +287,10 @@ void TestZuviAPIClientLists::blankSearchSendsNothing()
 {
     ZuviClientTestFixture f;
     Outcome outcome;
-    f.client->fetchSearchVideosWithKeyword(" \n\t ", 1, recorder(&outcome));
+    f.client->fetchSearchVideosWithKeyword(" \n\t ", 1, outcome.completion());
     ZUVI_WAIT(outcome.calls == 1);
-    QVERIFY(outcome.error.isNull());
-    QVERIFY(outcome.videos.isEmpty());
+    QVERIFY(outcome.error().isNull());
+    QVERIFY(outcome.videos().isEmpty());
     QCOMPARE(f.server.requestCount(), 0);
     QCOMPARE(f.scheduler.pendingCount(), 0);
 }
@@ -345,7 +335,7 @@ void TestZuviAPIClientLists::favorites()
     f.answerJson("/x/v3/fav/folder/created/list-all", folders);
     f.answerJson("/x/v3/fav/resource/list", listAnswer("medias"));
     Outcome outcome;
-    f.client->fetchFavoriteVideosForMID(mid, recorder(&outcome));
+    f.client->fetchFavoriteVideosForMID(mid, outcome.completion());
     ZUVI_WAIT(outcome.calls == 1);
 
     QCOMPARE(f.server.requestCount(), requests);
@@ -356,12 +346,12 @@ void TestZuviAPIClientLists::favorites()
     }
     if (!contentsQuery.isEmpty())
         QCOMPARE(f.server.requests("/x/v3/fav/resource/list").first().query, contentsQuery);
-    QCOMPARE(outcome.videos.size(), expectedCount);
-    QCOMPARE(outcome.error.code, expectedCode);
+    QCOMPARE(outcome.videos().size(), expectedCount);
+    QCOMPARE(outcome.error().code, expectedCode);
     if (expectedCode == 723)
-        QCOMPARE(outcome.error.message, QString("收藏夹列表接口缺少 list 字段"));
+        QCOMPARE(outcome.error().message, QString("收藏夹列表接口缺少 list 字段"));
     if (expectedCode == -101)
-        QCOMPARE(outcome.error.message, QString("收藏夹列表接口返回错误"));
+        QCOMPARE(outcome.error().message, QString("收藏夹列表接口返回错误"));
 }
 
 QTEST_MAIN(TestZuviAPIClientLists)
