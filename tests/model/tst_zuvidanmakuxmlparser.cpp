@@ -16,7 +16,6 @@ private slots:
     void readingRules();
     void malformedDocumentsKeepEarlierItems_data();
     void malformedDocumentsKeepEarlierItems();
-    void generatedDocumentsReadExactly_data();
     void generatedDocumentsReadExactly();
     void parserIsReusable();
     void sortPutsNaNLast();
@@ -150,18 +149,11 @@ void TestZuviDanmakuXMLParser::malformedDocumentsKeepEarlierItems()
     }
 }
 
-void TestZuviDanmakuXMLParser::generatedDocumentsReadExactly_data()
-{
-    QTest::addColumn<int>("count");
-    QTest::addColumn<int>("chunkSize");
-    QTest::newRow("1000 in 7-byte pieces") << 1000 << 7;
-    QTest::newRow("20000 in default pieces") << 20000 << 0;
-}
-
 void TestZuviDanmakuXMLParser::generatedDocumentsReadExactly()
 {
-    QFETCH(int, count);
-    QFETCH(int, chunkSize);
+    // In 7-byte pieces; the fifty-megabyte test reads in the default ones.
+    const int count = 1000;
+    const int chunkSize = 7;
     ZuviDanmakuDocumentGenerator generator;
     QList<ZuviDanmakuItem> expected;
     const QByteArray document = generator.document(count, &expected);
