@@ -227,7 +227,6 @@ void TestZuviAPIClientLists::searchRetriesOnceAfterDelay_data()
 {
     QTest::addColumn<bool>("secondSucceeds");
     QTest::addColumn<bool>("silentFirst");
-    QTest::newRow("fails twice") << false << false;
     QTest::newRow("second succeeds") << true << false;
     QTest::newRow("connection failure then failure") << false << true;
 }
