@@ -92,9 +92,9 @@ private slots:
         QTest::addColumn<int>("key");
         QTest::addColumn<int>("modifiers");
         QTest::addColumn<int>("action");
-        // The plain keys (Space, ←, F, F5, M, D, Esc, [ and ]) reach their
-        // actions in the cases below and in tst_zuviplayercontrols; these
-        // rows are the modifiers.
+        // The plain keys (Space, ←, F, F5, M, D, Esc, [ and ]) and Ctrl+F
+        // reach their actions in the cases below and in
+        // tst_zuviplayercontrols; these rows are the other modifiers.
         QTest::newRow("shift left")
             << int(Qt::Key_Left) << int(Qt::ShiftModifier) << int(Shortcuts::SeekBackwardLong);
         QTest::newRow("alt left") << int(Qt::Key_Left) << int(Qt::AltModifier)
@@ -103,8 +103,6 @@ private slots:
             << int(Qt::Key_Right) << int(Qt::ShiftModifier) << int(Shortcuts::SeekForwardLong);
         QTest::newRow("keypad up")
             << int(Qt::Key_Up) << int(Qt::KeypadModifier) << int(Shortcuts::VolumeUp);
-        QTest::newRow("ctrl f") << int(Qt::Key_F) << int(Qt::ControlModifier)
-                                << int(Shortcuts::Search);
         // Keys with other modifiers belong to someone else.
         QTest::newRow("ctrl shift f")
             << int(Qt::Key_F) << int(Qt::ControlModifier | Qt::ShiftModifier)
