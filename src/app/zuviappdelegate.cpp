@@ -25,7 +25,6 @@
 #include "zuvikeyboardshortcuts.h"
 #include "zuvinavigationcontroller.h"
 #include "zuvitabbarcontroller.h"
-#include "zuviunavailableviewcontroller.h"
 #include "zuviwindowgeometry.h"
 
 #include <QDBusConnection>

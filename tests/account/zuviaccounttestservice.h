@@ -2,8 +2,8 @@
 
 #include "../browse/zuvibrowsetestfeed.h"
 #include "app/zuvinavigationcontroller.h"
-#include "app/zuviunavailableviewcontroller.h"
 #include "platform/zuviidiom.h"
+#include "zuvistandinviewcontroller.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>

@@ -1,78 +1,28 @@
 #include "app/zuviappdelegate.h"
 #include "app/zuvidebuglogviewcontroller.h"
 #include "app/zuvinavigationcontroller.h"
-#include "app/zuvisettingsviewcontroller.h"
-#include "app/zuviunavailableviewcontroller.h"
 #include "browse/zuvihotregionsettingsviewcontroller.h"
-#include "config/zuviremoteconfig.h"
-#include "net/zuviapiclient.h"
 #include "notifications/zuviremotenotificationhistoryviewcontroller.h"
-#include "notifications/zuviremotenotificationpresenter.h"
-#include "platform/zuvidebuglog.h"
-#include "platform/zuvinotificationcenter.h"
-#include "platform/zuvivirtualscheduler.h"
+#include "zuvimessageservicesfixture.h"
+#include "zuvistandinviewcontroller.h"
 #include "zuvitesthttpserver.h"
-#include "zuvitestsupport.h"
 
 #include <QtTest>
 
 #include <memory>
 
-class TestSettingsViewController : public QObject
+class TestSettingsViewController : public QObject, private ZuviMessageServicesFixture
 {
     Q_OBJECT
 
 private:
     ZuviTestHttpServer server;
-    std::unique_ptr<ZuviScratchDefaults> defaults;
-    std::unique_ptr<ZuviNotificationCenter> center;
-    std::unique_ptr<ZuviVirtualScheduler> scheduler;
-    std::unique_ptr<ZuviDebugLog> log;
-    std::unique_ptr<ZuviRemoteConfig> config;
-    std::unique_ptr<ZuviRemoteNotificationPresenter> presenter;
-    QTemporaryDir caches;
-
-    ZuviSettingsViewController::Services services() const
-    {
-        ZuviSettingsViewController::Services result;
-        result.defaults = defaults->get();
-        result.center = center.get();
-        result.scheduler = scheduler.get();
-        result.log = log.get();
-        result.remoteConfig = config.get();
-        result.presenter = presenter.get();
-        return result;
-    }
 
 private slots:
-    void initTestCase()
-    {
-        QVERIFY(server.start());
-        server.setAnswer("GET", "/config.json", ZuviScriptedAnswer::json(R"({"service":"main"})"));
-        server.setAnswer("GET", "/dev-config.json",
-                         ZuviScriptedAnswer::json(R"({"service":"dev"})"));
-    }
+    void initTestCase() { QVERIFY(server.start()); }
 
-    void init()
-    {
-        defaults.reset(new ZuviScratchDefaults);
-        center.reset(new ZuviNotificationCenter);
-        scheduler.reset(new ZuviVirtualScheduler);
-        log.reset(new ZuviDebugLog(defaults->get(), center.get()));
-        config.reset(new ZuviRemoteConfig(defaults->get(), center.get(), scheduler.get()));
-        ZuviRemoteNotificationPresenter::Services presenterServices;
-        presenterServices.config = config.get();
-        presenterServices.defaults = defaults->get();
-        presenterServices.center = center.get();
-        presenterServices.scheduler = scheduler.get();
-        presenterServices.log = log.get();
-        presenter.reset(new ZuviRemoteNotificationPresenter(presenterServices));
-    }
-    void cleanup()
-    {
-        presenter.reset();
-        config.reset();
-    }
+    void init() { makeServices(server.baseUrl()); }
+    void cleanup() { releaseServices(); }
 
     void qualityMigratesOnce_data()
     {
@@ -90,7 +40,7 @@ private slots:
         ZuviDefaults *store = defaults->get();
         if (stored.isValid())
             store->setObject(stored, ZuviSettingsViewController::kQualityModeKey);
-        ZuviSettingsViewController settings(services());
+        ZuviSettingsViewController settings(settingsServices());
         QCOMPARE(settings.preferredQualityModeIndex(), firstRead);
         QVERIFY(store->boolForKey(ZuviSettingsViewController::kQualityMigratedKey));
         // The converted value is read as it is from now on, not converted again.
@@ -102,7 +52,7 @@ private slots:
     void preferencesReadWithTheirDefaults()
     {
         ZuviDefaults *store = defaults->get();
-        ZuviSettingsViewController settings(services());
+        ZuviSettingsViewController settings(settingsServices());
         QVERIFY(settings.defaultDanmakuEnabled());
         QVERIFY(settings.fullscreenDirectionGuideEnabled());
         QCOMPARE(settings.directionGuideDetailText(), QStringLiteral("开启"));
@@ -124,7 +74,7 @@ private slots:
 
     void detailsFollowTheirSources()
     {
-        ZuviSettingsViewController settings(services());
+        ZuviSettingsViewController settings(settingsServices());
         QCOMPARE(settings.regionDetailText(), QStringLiteral("已选18个"));
         QCOMPARE(settings.historyDetailText(), QStringLiteral("0 条"));
         QCOMPARE(settings.debugLogDetailText(), QStringLiteral("空"));
@@ -151,7 +101,7 @@ private slots:
 
     void clearingCachesConfirms()
     {
-        ZuviSettingsViewController settings(services());
+        ZuviSettingsViewController settings(settingsServices());
         QSignalSpy alert(&settings, &ZuviSettingsViewController::alertRequested);
         QCOMPARE(settings.clearCacheDetailText(), QString());
         settings.clearCaches();
@@ -163,8 +113,8 @@ private slots:
 
     void rowsOpenTheirScreens()
     {
-        auto *settings = new ZuviSettingsViewController(services());
-        ZuviNavigationController stack(new ZuviUnavailableViewController("我的"), scheduler.get());
+        auto *settings = new ZuviSettingsViewController(settingsServices());
+        ZuviNavigationController stack(new ZuviStandInViewController("我的"), scheduler.get());
         stack.pushViewController(settings, false);
 
         settings->openRegionSettings();
@@ -181,47 +131,21 @@ private slots:
         QVERIFY(qobject_cast<ZuviDebugLogViewController *>(stack.topViewController()));
     }
 
-    void developerModeOffRestartsWithTheProductionSource()
+    // The switch stores the mode and tells the shell, which restarts the
+    // configuration on the other source: tst_zuviappdelegate follows the
+    // shell's part, tst_zuviremoteconfig the fetch and its cache.
+    void developerSwitchTellsTheShell()
     {
         defaults->get()->setBool(true, ZuviAppDelegate::kDeveloperModeKey);
-        ZuviScratchDefaults clientDefaults;
-        ZuviAPIClient client(clientDefaults.get(), log.get(), center.get(),
-                             ZuviEndpoints::allOn(server.baseUrl()));
-        ZuviAppDelegate::Services shell;
-        shell.client = &client;
-        shell.defaults = defaults->get();
-        shell.center = center.get();
-        shell.scheduler = scheduler.get();
-        shell.log = log.get();
-        shell.remoteConfig = config.get();
-        shell.presenter = presenter.get();
-        shell.cachesDirectory = caches.path();
-        shell.infoDictionary = {
-            {"ZuviRemoteConfigSourceURL", server.urlString("/config.json")},
-            {"ZuviRemoteConfigDeveloperSourceURL", server.urlString("/dev-config.json")}};
-        ZuviAppDelegate delegate(shell);
-        QVERIFY(delegate.applicationDidFinishLaunching(nullptr));
-        QVERIFY(presenter->isObserving());
-        QCOMPARE(config->options().sanitizedSources(),
-                 QStringList{server.urlString("/dev-config.json")});
-
-        ZuviSettingsViewController settings(services());
+        ZuviSettingsViewController settings(settingsServices());
         QCOMPARE(settings.developerSectionRowCount(), 4);
         QSignalSpy posted(center.get(), &ZuviNotificationCenter::notificationPosted);
         settings.developerSwitchChanged(false);
+        QVERIFY(!defaults->get()->boolForKey(ZuviAppDelegate::kDeveloperModeKey));
         QCOMPARE(settings.developerSectionRowCount(), 1);
         QCOMPARE(posted.first().at(0).toString(),
                  QString::fromLatin1(ZuviAppDelegate::kDeveloperModeDidChangeNotification));
         QCOMPARE(posted.first().at(1).value<QObject *>(), &settings);
-
-        QCOMPARE(config->options().sanitizedSources(),
-                 QStringList{server.urlString("/config.json")});
-        QCOMPARE(config->options().cacheDirectoryPath,
-                 QDir(caches.path()).filePath("ZuviRemoteConfigProduction"));
-        QTRY_VERIFY(config->currentConfig().has_value());
-        QCOMPARE(config->currentConfig()->value("service").toString(), QStringLiteral("main"));
-        QVERIFY(QFile::exists(
-            QDir(caches.path()).filePath("ZuviRemoteConfigProduction/remote_config.json")));
     }
 };
 

@@ -13,7 +13,6 @@ private slots:
     void navAnswerDecides_data();
     void navAnswerDecides();
     void secondActionDuringACheckIsDropped();
-    void gateGoneBeforeTheAnswerDoesNothing();
     void loginRequiredErrors();
 
 private:
@@ -107,27 +106,6 @@ void TestZuviLoginGate::secondActionDuringACheckIsDropped()
     QCOMPARE(second, 0);
     QCOMPARE(seen.checking, 1);
     QCOMPARE(f.server.requestCount("/x/web-interface/nav"), 1);
-}
-
-void TestZuviLoginGate::gateGoneBeforeTheAnswerDoesNothing()
-{
-    ZuviClientTestFixture f;
-    ZuviScriptedAnswer slow = ZuviScriptedAnswer::json(zuviJson(
-        {{"code", -101}, {"message", "账号未登录"}, {"data", QJsonObject{{"isLogin", false}}}}));
-    slow.delayMs = 100;
-    f.server.setAnswer("GET", "/x/web-interface/nav", slow);
-    Seen seen;
-    auto gate = makeGate(f, seen);
-    gate->performWhenLoggedIn([&] { ++seen.actions; });
-    gate.reset();
-    // A second check sent after the first is answered after it: once it is
-    // back, the first answer has met a completion whose gate is gone.
-    bool probed = false;
-    f.client->fetchCurrentUserProfileWithCompletion(
-        [&](const std::optional<ZuviUserProfile> &, const ZuviError &) { probed = true; });
-    ZUVI_WAIT(probed);
-    QCOMPARE(f.server.requestCount("/x/web-interface/nav"), 2);
-    QCOMPARE(seen.actions + seen.loginRequired + seen.failures.size(), 0);
 }
 
 void TestZuviLoginGate::loginRequiredErrors()

@@ -11,24 +11,16 @@ set -euo pipefail
 build=$(cd "${1:?usage: messages-e2e.sh BUILD_DIR OUT_DIR}" && pwd)
 out=${2:?usage: messages-e2e.sh BUILD_DIR OUT_DIR}
 root=$(cd "$(dirname "$0")/../.." && pwd)
-port=${OLDZUVI_E2E_PORT:-18471}
 mkdir -p "$out"
 out=$(cd "$out" && pwd)
-rm -rf "$out/demo-data" "$out/app"
-
-service="$build/bin/oldzuvi-demo-service"
-endpoints="$out/endpoints.json"
-rm -f "$endpoints"
-"$service" --port "$port" --data "$out/demo-data" --media "$build/media" \
-  --write-endpoints "$endpoints" >"$out/demo-service.log" 2>&1 &
-service_pid=$!
-trap 'kill $service_pid 2>/dev/null || true; wait $service_pid 2>/dev/null || true' EXIT
-for _ in $(seq 100); do [ -s "$endpoints" ] && break; sleep 0.05; done
+rm -rf "$out/app"
+. "$(dirname "$0")/demo-service.sh"
+start_demo_service "$build" "$out"
 
 run() {
-  OLDZUVI_INFO="$root/demo/Info-demo.json" xvfb-run -a -s "-screen 0 1280x800x24" \
-    "$build/bin/zuvi-messages-e2e" --endpoints "$endpoints" --out "$out/app" \
-    --demo-service "$service" --port "$port" --phase "$1"
+  OLDZUVI_INFO="$root/demo/Info-demo.json" xvfb "$build/bin/zuvi-messages-e2e" \
+    --endpoints "$endpoints" --out "$out/app" --demo-service "$service" --port "$port" \
+    --phase "$1"
 }
 run first
 run restart

@@ -13,21 +13,11 @@ set -euo pipefail
 build=$(cd "${1:?usage: player-e2e.sh BUILD_DIR OUT_DIR [--measure]}" && pwd)
 out=${2:?usage: player-e2e.sh BUILD_DIR OUT_DIR [--measure]}
 measure=${3:-}
-root=$(cd "$(dirname "$0")/../.." && pwd)
-port=${OLDZUVI_E2E_PORT:-18470}
 mkdir -p "$out"
 out=$(cd "$out" && pwd)
+. "$(dirname "$0")/demo-service.sh"
+start_demo_service "$build" "$out"
 
-"$root/demo/make-media.sh" "$build/media" >/dev/null
-endpoints="$out/endpoints.json"
-rm -f "$endpoints"
-"$build/bin/oldzuvi-demo-service" --port "$port" --data "$out/demo-data" \
-  --media "$build/media" --write-endpoints "$endpoints" >"$out/demo-service.log" 2>&1 &
-service=$!
-trap 'kill $service 2>/dev/null || true; wait $service 2>/dev/null || true' EXIT
-for _ in $(seq 100); do [ -s "$endpoints" ] && break; sleep 0.05; done
-
-xvfb() { xvfb-run -a -s "-screen 0 1280x800x24" "$@"; }
 driver="$build/bin/zuvi-player-e2e"
 
 xvfb "$driver" --endpoints "$endpoints" --out "$out" | tee "$out/steps.txt"

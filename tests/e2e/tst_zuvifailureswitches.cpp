@@ -351,8 +351,8 @@ void TestZuviFailureSwitches::screenShowsTheFailureAndRecovers_data()
     const QList<QPair<QString, QString>> switches{
         {"slow:60000", QStringLiteral("请求超时（%1 秒没有响应）").arg(kTimeoutMs / 1000.0)},
         {"code:-412:请求被拦截", "请求被拦截"},
+        // ("html" fails the same way as "broken": neither is JSON.)
         {"broken", "接口返回的数据不是有效的 JSON"},
-        {"html", "接口返回的数据不是有效的 JSON"},
         // A dropped connection passes the network's own words through.
         {"drop", ""},
     };

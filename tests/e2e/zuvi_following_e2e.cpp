@@ -3,7 +3,7 @@
 //   --check      signed in: every kind of card with its pictures, the next
 //                page by offset at the end of the list, and "动态" with posts
 //                alone; signed out: the login card. Saves a picture per step
-//                and exits non-zero at the first step that fails.
+//                and exits non-zero when a step fails.
 //   --flick      flicks down through three pages of the tab (or, with --grid, of
 //                the recommended grid) and prints the frame intervals and the
 //                process's peak memory.
@@ -11,94 +11,25 @@
 // Usage: zuvi-following-e2e --endpoints FILE --settings FILE --out DIR
 //                           (--check [--signed-out] | --flick [--grid])
 
-#include "app/zuviappdelegate.h"
-#include "app/zuvinavigationcontroller.h"
-#include "app/zuvitabbarcontroller.h"
 #include "browse/zuvifollowingviewcontroller.h"
 #include "browse/zuvivideogridviewcontroller.h"
 #include "platform/zuvilaunchoptions.h"
 #include "views/zuvistateview.h"
+#include "zuvie2edriver.h"
 
 #include <QCommandLineParser>
-#include <QElapsedTimer>
-#include <QFile>
 #include <QGuiApplication>
-#include <QQmlEngine>
 #include <QQmlExtensionPlugin>
 #include <QQuickItem>
-#include <QQuickWindow>
 #include <QSet>
-#include <QTextStream>
-#include <QTimer>
 
 #include <algorithm>
-#include <functional>
 
 Q_IMPORT_QML_PLUGIN(ZuviPlugin)
 
 namespace {
-int g_exitCode = 0;
-// What the running step last saw, printed when it gives up.
-QString g_lastSeen;
-
-void say(const QString &line)
-{
-    QTextStream(stdout) << line << Qt::endl;
-}
-
-// A check that failed inside a step: the run goes on to its pictures but
-// ends non-zero.
-void failCheck(const QString &what)
-{
-    say("FAIL " + what);
-    g_exitCode = 1;
-}
-
-// Runs step after step, each once its condition holds; a condition that does
-// not hold within 20 s fails the run with the step's name.
-class Steps
-{
-public:
-    void add(const QString &name, std::function<bool()> ready, std::function<void()> then)
-    {
-        m_steps.append({name, std::move(ready), std::move(then)});
-    }
-    void run()
-    {
-        if (m_steps.isEmpty()) {
-            QCoreApplication::exit(g_exitCode);
-            return;
-        }
-        m_clock.start();
-        QTimer::singleShot(100, [this] { poll(); });
-    }
-
-private:
-    struct Step {
-        QString name;
-        std::function<bool()> ready;
-        std::function<void()> then;
-    };
-    void poll()
-    {
-        const Step &step = m_steps.first();
-        if (!step.ready()) {
-            if (m_clock.elapsed() > 20000) {
-                say("FAIL " + step.name + " (" + g_lastSeen + ")");
-                QCoreApplication::exit(1);
-                return;
-            }
-            QTimer::singleShot(100, [this] { poll(); });
-            return;
-        }
-        say("ok " + step.name);
-        const Step done = m_steps.takeFirst();
-        done.then();
-        run();
-    }
-    QList<Step> m_steps;
-    QElapsedTimer m_clock;
-};
+using ZuviE2E::say;
+using ZuviE2E::Steps;
 
 bool settled(ZuviFollowingViewController *screen)
 {
@@ -130,18 +61,6 @@ QPair<int, int> pictures(QQuickItem *view)
         ready += item->property("status").toInt() == 1; // Image.Ready
     }
     return {all, ready};
-}
-
-qint64 peakMemoryKiB()
-{
-    QFile status("/proc/self/status");
-    if (!status.open(QIODevice::ReadOnly))
-        return -1;
-    for (const QByteArray &line : status.readAll().split('\n')) {
-        if (line.startsWith("VmHWM:"))
-            return line.mid(6).trimmed().split(' ').first().toLongLong();
-    }
-    return -1;
 }
 
 QQuickItem *findView(QQuickWindow *window, const char *className)
@@ -177,22 +96,17 @@ int main(int argc, char **argv)
     parser.process(QStringList{QGuiApplication::arguments().first()} + options.remaining);
     const QString out = parser.value("out");
 
-    const ZuviAppDelegate::Services services = ZuviAppDelegate::sharedServices();
-    QQmlEngine engine;
-    ZuviAppDelegate delegate(services);
-    if (!delegate.applicationDidFinishLaunching(&engine))
+    // The endpoints and the settings file come with the launch options.
+    ZuviE2E::App shell;
+    if (!shell.launch(QString(), QString()))
         return 4;
-    auto *window = qobject_cast<QQuickWindow *>(delegate.window());
-    ZuviTabBarController *tabs = delegate.rootTabBarController();
-    auto *following = qobject_cast<ZuviFollowingViewController *>(
-        tabs->viewControllerAt(2)->rootViewController());
-    auto *grid = qobject_cast<ZuviVideoGridViewController *>(
-        tabs->viewControllerAt(0)->rootViewController());
-    if (!window || !following || !grid)
+    QQuickWindow *window = shell.window();
+    ZuviTabBarController *tabs = shell.tabs();
+    auto *following = shell.root<ZuviFollowingViewController>(2);
+    auto *grid = shell.root<ZuviVideoGridViewController>(0);
+    if (!following || !grid)
         return 4;
-    const auto shot = [&](const QString &name) {
-        window->grabWindow().save(out + "/" + name + ".png");
-    };
+    const auto shot = [&](const QString &name) { shell.shot(out + "/" + name + ".png"); };
     Steps steps;
     const bool measureGrid = parser.isSet("grid");
     if (!measureGrid)
@@ -205,8 +119,7 @@ int main(int argc, char **argv)
                 const bool card = following->stateView() &&
                                   following->stateView()->title() == QStringLiteral("用户未登录");
                 shot("following-signed-out");
-                if (!card)
-                    failCheck("the login card's title");
+                Steps::check(card, "the login card's title");
             });
     } else if (parser.isSet("check")) {
         steps.add(
@@ -219,10 +132,10 @@ int main(int argc, char **argv)
                     kinds.insert(row.value("rowType").toString());
                 QQuickItem *view = findView(window, "QQuickListView");
                 const auto [all, ready] = view ? pictures(view) : qMakePair(0, 0);
-                g_lastSeen = QString("kinds %1, pictures %2 of %3")
-                                 .arg(QStringList(kinds.values()).join(','))
-                                 .arg(ready)
-                                 .arg(all);
+                steps.setLastSeen(QString("kinds %1, pictures %2 of %3")
+                                      .arg(QStringList(kinds.values()).join(','))
+                                      .arg(ready)
+                                      .arg(all));
                 return kinds.size() == 5 && all >= 8 && ready == all;
             },
             [&] {
@@ -260,7 +173,7 @@ int main(int argc, char **argv)
             [&] {
                 for (const ZuviFollowingRow &row : following->rows()) {
                     if (row.contains("video"))
-                        failCheck("a video row on the posts segment");
+                        Steps::check(false, "a video row on the posts segment");
                 }
                 say(QString("posts %1 over %2 pages")
                         .arg(following->rows().size())
@@ -300,10 +213,10 @@ int main(int argc, char **argv)
                 if (*endOfThird < 0 && pages() >= 3 && !busy())
                     *endOfThird = view->property("contentHeight").toDouble();
                 const double bottom = view->property("contentY").toDouble() + view->height();
-                g_lastSeen = QString("pages %1, bottom %2, end of page 3 %3")
-                                 .arg(pages())
-                                 .arg(bottom)
-                                 .arg(*endOfThird);
+                steps.setLastSeen(QString("pages %1, bottom %2, end of page 3 %3")
+                                      .arg(pages())
+                                      .arg(bottom)
+                                      .arg(*endOfThird));
                 if (*endOfThird > 0 && bottom >= *endOfThird)
                     return true;
                 if (!view->property("flicking").toBool())
@@ -329,7 +242,7 @@ int main(int argc, char **argv)
                         .arg(at(0.95), 0, 'f', 1)
                         .arg(at(1.0), 0, 'f', 1)
                         .arg(slow)
-                        .arg(peakMemoryKiB()));
+                        .arg(ZuviE2E::processStatusKiB("VmHWM")));
             });
     }
     steps.run();

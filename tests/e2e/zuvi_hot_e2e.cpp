@@ -9,85 +9,21 @@
 //
 // Usage: zuvi-hot-e2e --endpoints FILE --out DIR
 
-#include "app/zuviappdelegate.h"
-#include "app/zuvinavigationcontroller.h"
-#include "app/zuvitabbarcontroller.h"
 #include "browse/zuvihotregionsettingsviewcontroller.h"
 #include "browse/zuvihotviewcontroller.h"
 #include "net/zuviapiclient.h"
-#include "platform/zuvidefaults.h"
-#include "platform/zuviendpoints.h"
 #include "views/zuvistateview.h"
+#include "zuvie2edriver.h"
 
 #include <QCommandLineParser>
 #include <QDir>
 #include <QGuiApplication>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
-#include <QQmlEngine>
 #include <QQmlExtensionPlugin>
-#include <QQuickWindow>
-#include <QTimer>
 #include <QUrlQuery>
 
-#include <functional>
-
 Q_IMPORT_QML_PLUGIN(ZuviPlugin)
-
-namespace {
-QTextStream out(stdout);
-
-void say(const QString &line)
-{
-    out << line << Qt::endl;
-}
-
-// Steps that each wait for a condition (polled every 100 ms, 20 s at most)
-// and then act; a step that never sees its condition fails the run.
-class Steps
-{
-public:
-    void add(const QString &name, std::function<bool()> ready, std::function<bool()> act)
-    {
-        m_steps.append({name, std::move(ready), std::move(act)});
-    }
-    void run() { poll(0, 0); }
-
-private:
-    struct Step {
-        QString name;
-        std::function<bool()> ready;
-        std::function<bool()> act;
-    };
-    void poll(int index, int waitedMs)
-    {
-        if (index >= m_steps.size()) {
-            say("hot-e2e: every step passed");
-            QCoreApplication::exit(0);
-            return;
-        }
-        const Step &step = m_steps[index];
-        if (!step.ready()) {
-            if (waitedMs >= 20000) {
-                say("hot-e2e: FAILED waiting for: " + step.name);
-                QCoreApplication::exit(1);
-                return;
-            }
-            QTimer::singleShot(100, [this, index, waitedMs] { poll(index, waitedMs + 100); });
-            return;
-        }
-        if (!step.act()) {
-            say("hot-e2e: FAILED at: " + step.name);
-            QCoreApplication::exit(1);
-            return;
-        }
-        say("hot-e2e: " + step.name);
-        // Let the page draw what the step changed before the next one.
-        QTimer::singleShot(300, [this, index] { poll(index + 1, 0); });
-    }
-    QList<Step> m_steps;
-};
-} // namespace
 
 int main(int argc, char *argv[])
 {
@@ -101,29 +37,17 @@ int main(int argc, char *argv[])
     QDir().mkpath(outDir);
     // A first launch: nobody signed in, every region shown.
     QFile::remove(outDir + "/hot-defaults.ini");
-    ZuviDefaults::setStandardFilePath(outDir + "/hot-defaults.ini");
-    ZuviEndpoints endpoints = ZuviEndpoints::defaults();
-    ZuviError error;
-    if (!ZuviEndpoints::loadFile(parser.value("endpoints"), &endpoints, &error)) {
-        say("endpoints: " + error.message);
-        return 2;
-    }
-    ZuviEndpoints::setShared(endpoints);
-
-    const ZuviAppDelegate::Services services = ZuviAppDelegate::sharedServices();
-    QQmlEngine engine;
-    ZuviAppDelegate delegate(services);
-    if (!delegate.applicationDidFinishLaunching(&engine))
+    ZuviE2E::App shell;
+    if (!shell.launch(parser.value("endpoints"), outDir + "/hot-defaults.ini"))
         return 4;
-    auto *window = qobject_cast<QQuickWindow *>(delegate.window());
-    ZuviTabBarController *tabs = delegate.rootTabBarController();
-    auto *hot =
-        qobject_cast<ZuviHotViewController *>(tabs->viewControllerAt(1)->rootViewController());
-    if (!window || !hot)
+    const ZuviAppDelegate::Services &services = shell.services;
+    ZuviTabBarController *tabs = shell.tabs();
+    auto *hot = shell.root<ZuviHotViewController>(1);
+    if (!hot)
         return 4;
 
     const auto shot = [&](const QString &name) {
-        window->grabWindow().save(outDir + "/" + name + ".png");
+        shell.shot(outDir + "/" + name + ".png");
         return true;
     };
     const auto showsRegion = [hot](const QString &key) {
@@ -146,8 +70,8 @@ int main(int argc, char *argv[])
                                                 });
     };
 
-    Steps steps;
-    steps.add(
+    ZuviE2E::Steps steps;
+    steps.expect(
         "signed out, 热门 shows the login card",
         [&] {
             if (tabs->selectedIndex() != 1)
@@ -159,23 +83,23 @@ int main(int argc, char *argv[])
                    hot->stateView()->buttonTitle() == QStringLiteral("登录") &&
                    shot("hot-e2e-1-signed-out");
         });
-    steps.add(
+    steps.expect(
         "its button opens 我的", [] { return true; },
         [&] {
             hot->stateView()->actionButtonTapped();
             return tabs->selectedIndex() == 3;
         });
-    steps.add(
+    steps.expect(
         "a login code is issued", [] { return true; },
         [&] {
             services.client->generateLoginQRCodeWithCompletion(
                 [&](const QString &, const QString &key, const ZuviError &) { qrKey = key; });
             return true;
         });
-    steps.add(
+    steps.expect(
         "the phone confirms it", [&] { return !qrKey.isEmpty(); },
         [&] {
-            QNetworkRequest request(QUrl(endpoints.api.toString() + "/admin/confirm"));
+            QNetworkRequest request(QUrl(services.endpoints.api.toString() + "/admin/confirm"));
             request.setHeader(QNetworkRequest::ContentTypeHeader,
                               "application/x-www-form-urlencoded");
             QUrlQuery form;
@@ -187,7 +111,7 @@ int main(int argc, char *argv[])
             });
             return true;
         });
-    steps.add(
+    steps.expect(
         "the login completes",
         [&] {
             // Scanned first, then confirmed: poll until the service says so.
@@ -196,7 +120,7 @@ int main(int argc, char *argv[])
             return pollCode == 0;
         },
         [&] { return !services.client->credentialCookie().isEmpty(); });
-    steps.add(
+    steps.expect(
         "back on 热门, 综合 loads",
         [&] {
             if (tabs->selectedIndex() != 1)
@@ -204,7 +128,7 @@ int main(int argc, char *argv[])
             return showsRegion("popular");
         },
         [&] { return hot->selectedRegionIndex() == 0 && shot("hot-e2e-2-popular"); });
-    steps.add(
+    steps.expect(
         "choosing 动画 loads its ranking",
         [&] {
             if (hot->selectedRegionCacheKey() != "1005")
@@ -213,7 +137,7 @@ int main(int argc, char *argv[])
         },
         [&] { return hot->currentSourceTitle() == "动画热门" && shot("hot-e2e-3-douga"); });
     ZuviHotRegionSettingsViewController *settings = nullptr;
-    steps.add(
+    steps.expect(
         "the region settings move 动画 to the front", [] { return true; },
         [&] {
             tabs->selectTab(3);
@@ -228,7 +152,7 @@ int main(int argc, char *argv[])
             return settings->selectedRegionKeys().first() == "1005" &&
                    shot("hot-e2e-4-region-settings");
         });
-    steps.add(
+    steps.expect(
         "the strip is reordered on return", [] { return true; },
         [&] {
             tabs->viewControllerAt(3)->popViewController(false);
@@ -236,6 +160,6 @@ int main(int argc, char *argv[])
             return hot->regionTitles().first() == "动画" && hot->selectedRegionIndex() == 0 &&
                    showsRegion("1005") && shot("hot-e2e-5-reordered");
         });
-    steps.run();
+    steps.run(300);
     return app.exec();
 }

@@ -11,11 +11,9 @@
 //
 // Usage: zuvi-messages-e2e --endpoints FILE --out DIR --phase first|restart
 //                          --demo-service BINARY --port N
-#include "app/zuviappdelegate.h"
+#include "account/zuviprofileviewcontroller.h"
 #include "app/zuvidebuglogviewcontroller.h"
-#include "app/zuvinavigationcontroller.h"
 #include "app/zuvisettingsviewcontroller.h"
-#include "app/zuvitabbarcontroller.h"
 #include "browse/zuvivideogridviewcontroller.h"
 #include "config/zuviremoteconfig.h"
 #include "notifications/zuvinotificationhistorydetailviewcontroller.h"
@@ -23,66 +21,18 @@
 #include "notifications/zuviremotenotificationhistoryviewcontroller.h"
 #include "notifications/zuviremotenotificationpresenter.h"
 #include "platform/zuvidebuglog.h"
-#include "platform/zuvidefaults.h"
-#include "platform/zuviendpoints.h"
+#include "zuvie2edriver.h"
 
 #include <QCommandLineParser>
 #include <QDir>
-#include <QElapsedTimer>
 #include <QGuiApplication>
 #include <QProcess>
-#include <QQmlEngine>
 #include <QQmlExtensionPlugin>
-#include <QQuickItem>
-#include <QQuickWindow>
 #include <QTest>
-#include <QTimer>
-
-#include <functional>
 
 Q_IMPORT_QML_PLUGIN(ZuviPlugin)
 
 namespace {
-QTextStream out(stdout);
-
-// Steps run in order; each waits (polling) until its condition holds, then acts.
-struct Steps {
-    struct Step {
-        QString name;
-        std::function<bool()> ready;
-        int timeoutMs;
-        std::function<void()> action;
-    };
-    QList<Step> steps;
-    void add(const QString &name, std::function<bool()> ready, int timeoutMs,
-             std::function<void()> action = {})
-    {
-        steps.append({name, std::move(ready), timeoutMs, std::move(action)});
-    }
-    void run(int index = 0, int waitedMs = 0)
-    {
-        if (index >= steps.size()) {
-            out << "messages-e2e: all steps held" << Qt::endl;
-            QCoreApplication::exit(0);
-            return;
-        }
-        const Step &step = steps[index];
-        if (!step.ready()) {
-            if (waitedMs >= step.timeoutMs) {
-                out << "FAIL " << step.name << Qt::endl;
-                QCoreApplication::exit(1);
-                return;
-            }
-            QTimer::singleShot(100, [this, index, waitedMs] { run(index, waitedMs + 100); });
-            return;
-        }
-        out << "ok   " << step.name << Qt::endl;
-        if (step.action)
-            step.action();
-        QTimer::singleShot(300, [this, index] { run(index + 1); });
-    }
-};
-
 // Taps "知道了" where the card draws it.
 void tapDismiss(QQuickWindow *window, ZuviRemoteMessageOverlayView *card)
 {
@@ -105,24 +55,15 @@ int main(int argc, char **argv)
     parser.process(app);
     const QString outDir = parser.value("out");
     QDir().mkpath(outDir);
-    ZuviDefaults::setStandardFilePath(outDir + "/defaults.ini");
-    ZuviEndpoints endpoints = ZuviEndpoints::defaults();
-    ZuviError error;
-    if (!ZuviEndpoints::loadFile(parser.value("endpoints"), &endpoints, &error)) {
-        out << "endpoints: " << error.message << Qt::endl;
-        return 2;
-    }
-    ZuviEndpoints::setShared(endpoints);
-
-    ZuviAppDelegate::Services services = ZuviAppDelegate::sharedServices();
-    services.cachesDirectory = outDir + "/caches";
-    QQmlEngine engine;
-    ZuviAppDelegate delegate(services);
-    if (!delegate.applicationDidFinishLaunching(&engine))
+    ZuviE2E::App shell;
+    if (!shell.launch(parser.value("endpoints"), outDir + "/defaults.ini",
+                      [&outDir](ZuviAppDelegate::Services &services) {
+                          services.cachesDirectory = outDir + "/caches";
+                      }))
         return 1;
-    auto *window = qobject_cast<QQuickWindow *>(delegate.window());
-    auto *presenter = services.presenter;
-    ZuviTabBarController *tabs = delegate.rootTabBarController();
+    QQuickWindow *window = shell.window();
+    auto *presenter = shell.services.presenter;
+    ZuviTabBarController *tabs = shell.tabs();
     auto demo = [&parser](const QStringList &arguments) {
         QProcess process;
         process.setStandardOutputFile(QProcess::nullDevice());
@@ -130,12 +71,10 @@ int main(int argc, char **argv)
                       arguments + QStringList{"--port", parser.value("port")});
         process.waitForFinished();
     };
-    auto shot = [window, outDir](const QString &name) {
-        window->grabWindow().save(outDir + "/" + name + ".png");
-    };
+    auto shot = [&shell, outDir](const QString &name) { shell.shot(outDir + "/" + name + ".png"); };
     auto card = [presenter] { return presenter->currentOverlayView(); };
 
-    Steps steps;
+    ZuviE2E::Steps steps;
     if (parser.value("phase") == "restart") {
         // A refresh of our own: when it ends, the document has been fetched
         // again and any announcement it caused has been delivered.
@@ -145,10 +84,10 @@ int main(int argc, char **argv)
                 refreshed = true;
             });
         steps.add(
-            "the configuration is fetched again", [&refreshed] { return refreshed; }, 20000);
+            "the configuration is fetched again", [&refreshed] { return refreshed; }, {}, 20000);
         steps.add(
-            "no card after a restart", [&card] { return !card(); }, 0);
-        steps.run();
+            "no card after a restart", [&card] { return !card(); }, {}, 0);
+        steps.run(300);
         return app.exec();
     }
 
@@ -156,43 +95,48 @@ int main(int argc, char **argv)
     ZuviRemoteNotificationHistoryViewController *history = nullptr;
     steps.add(
         "the demo's first message shows with its picture",
-        [&card] { return card() && card()->wantsImage() && card()->isImageLoaded(); }, 20000,
-        [&] { shot("first-card"); });
+        [&card] { return card() && card()->wantsImage() && card()->isImageLoaded(); },
+        [&] { shot("first-card"); }, 20000);
     steps.add(
-        "知道了 dismisses it", [] { return true; }, 0, [&] { tapDismiss(window, card()); });
+        "知道了 dismisses it", [] { return true; }, [&] { tapDismiss(window, card()); }, 0);
     QElapsedTimer sinceAnnounce;
     steps.add(
-        "the card is gone", [&card] { return !card(); }, 2000,
+        "the card is gone", [&card] { return !card(); },
         [&] {
             sinceAnnounce.start();
             demo({"announce", "运行中发布的第二条通知", "--image",
-                  endpoints.remoteConfigSource.section('/', 0, 2) + "/img/pic/banner-2.jpg"});
-        });
+                  shell.services.endpoints.remoteConfigSource.section('/', 0, 2) +
+                      "/img/pic/banner-2.jpg"});
+        },
+        2000);
     steps.add(
         "an announced message shows while the app runs",
         [&card] {
             return card() && card()->messageText() == QStringLiteral("运行中发布的第二条通知");
         },
-        30000,
         [&] {
             // How long a running app takes to show an announcement (bounded
             // by the poll interval of the information keys).
-            out << "     announce to card: " << sinceAnnounce.elapsed() << " ms" << Qt::endl;
+            ZuviE2E::say(
+                QStringLiteral("     announce to card: %1 ms").arg(sinceAnnounce.elapsed()));
             shot("announced-card");
-        });
+        },
+        30000);
     steps.add(
-        "知道了 dismisses the second", [] { return true; }, 0, [&] { tapDismiss(window, card()); });
+        "知道了 dismisses the second", [] { return true; }, [&] { tapDismiss(window, card()); }, 0);
     steps.add(
-        "settings → 历史通知", [&card] { return !card(); }, 2000,
+        "settings → 历史通知", [&card] { return !card(); },
         [&] {
+            // Settings as the user opens them: the profile bar's button.
             tabs->selectTab(3);
-            settings = new ZuviSettingsViewController(ZuviSettingsViewController::sharedServices());
-            settings->setHidesBottomBarWhenPushed(true);
-            tabs->viewControllerAt(3)->pushViewController(settings, true);
+            shell.root<ZuviProfileViewController>(3)->settingsButtonTapped();
+            settings = qobject_cast<ZuviSettingsViewController *>(
+                tabs->viewControllerAt(3)->topViewController());
             settings->openNotificationHistory();
             history = qobject_cast<ZuviRemoteNotificationHistoryViewController *>(
                 tabs->viewControllerAt(3)->topViewController());
-        });
+        },
+        2000);
     steps.add(
         "the history lists both, newest first",
         [&] {
@@ -200,11 +144,11 @@ int main(int argc, char **argv)
                    history->rows().at(0).toMap().value("title").toString().endsWith("v2") &&
                    history->rows().at(1).toMap().value("title").toString().endsWith("v1");
         },
-        2000,
         [&] {
             shot("history");
             history->selectRow(1);
-        });
+        },
+        2000);
     steps.add(
         "the first message's detail shows its picture",
         [&] {
@@ -212,7 +156,6 @@ int main(int argc, char **argv)
                 tabs->viewControllerAt(3)->topViewController());
             return detail && !detail->imageSource().isEmpty();
         },
-        20000,
         [&] {
             shot("history-detail");
             tabs->viewControllerAt(3)->popViewController(false);
@@ -223,15 +166,17 @@ int main(int argc, char **argv)
             auto *grid = qobject_cast<ZuviVideoGridViewController *>(
                 tabs->viewControllerAt(0)->rootViewController());
             grid->refreshButtonTapped();
-        });
+        },
+        20000);
     steps.add(
         "developer mode: the feed's failure reaches the debug log",
-        [] { return ZuviDebugLog::sharedLog()->logText().contains("code=-500"); }, 20000,
+        [] { return ZuviDebugLog::sharedLog()->logText().contains("code=-500"); },
         [&] {
             demo({"fail", "off"});
             tabs->selectTab(3);
             settings->openDebugLog();
-        });
+        },
+        20000);
     steps.add(
         "the debug log screen shows it",
         [&] {
@@ -239,7 +184,7 @@ int main(int argc, char **argv)
                 tabs->viewControllerAt(3)->topViewController());
             return screen && screen->displayText().contains("[请求错误]");
         },
-        2000, [&] { shot("debug-log"); });
-    steps.run();
+        [&] { shot("debug-log"); }, 2000);
+    steps.run(300);
     return app.exec();
 }

@@ -18,58 +18,26 @@
 //                        [--no-danmaku] [--controls-shown]
 //        zuvi-player-e2e --bare URL --measure SECONDS [--trimmed]
 
-#include "app/zuviappdelegate.h"
-#include "app/zuvinavigationcontroller.h"
-#include "app/zuvitabbarcontroller.h"
 #include "browse/zuvivideogridviewcontroller.h"
 #include "browse/zuvivideoscreenopener.h"
 #include "danmaku/zuvidanmakuoverlayview.h"
-#include "platform/zuvidebuglog.h"
-#include "platform/zuvidefaults.h"
-#include "platform/zuviendpoints.h"
-#include "platform/zuvinotificationcenter.h"
-#include "platform/zuvischeduler.h"
 #include "player/zuvigstreamertuning.h"
-#include "player/zuvivideoplayerviewcontroller.h"
+#include "zuvie2edriver.h"
 
 #include <QCommandLineParser>
 #include <QDir>
-#include <QElapsedTimer>
 #include <QGuiApplication>
 #include <QQmlApplicationEngine>
 #include <QQmlExtensionPlugin>
 #include <QQuickItem>
-#include <QQuickWindow>
 #include <QTest>
-#include <QTimer>
 
 #include <algorithm>
-#include <functional>
 
 Q_IMPORT_QML_PLUGIN(ZuviPlugin)
 
 namespace {
-QTextStream out(stdout);
-
-void say(const QString &line)
-{
-    out << line << Qt::endl;
-}
-
-// Runs the steps one after another, each after its own delay in seconds.
-struct Script {
-    QList<QPair<double, std::function<void()>>> steps;
-    void add(double delay, std::function<void()> step) { steps.append({delay, std::move(step)}); }
-    void run(int index = 0)
-    {
-        if (index >= steps.size())
-            return;
-        QTimer::singleShot(int(steps[index].first * 1000), [this, index] {
-            steps[index].second();
-            run(index + 1);
-        });
-    }
-};
+using ZuviE2E::say;
 
 int runBare(QGuiApplication &app, const QString &url, double seconds)
 {
@@ -126,32 +94,20 @@ int main(int argc, char **argv)
 
     const QString outDir = parser.value("out").isEmpty() ? QDir::tempPath() : parser.value("out");
     QDir().mkpath(outDir);
-    ZuviDefaults::setStandardFilePath(outDir + "/defaults.ini");
-    ZuviDefaults::standardDefaults()->setBool(!parser.isSet("no-danmaku"), "ZuviDanmakuEnabled");
-    ZuviEndpoints endpoints = ZuviEndpoints::defaults();
-    ZuviError error;
-    if (!ZuviEndpoints::loadFile(parser.value("endpoints"), &endpoints, &error)) {
-        say("endpoints: " + error.message);
-        return 2;
-    }
-    ZuviEndpoints::setShared(endpoints);
-
-    // The application as oldzuvi starts it: the shell, its tabs and the
-    // recommended grid, with the video screen behind the grid's taps.
-    const ZuviAppDelegate::Services services = ZuviAppDelegate::sharedServices();
-    ZuviVideoPlayerViewController::openVideosFromLists(services.client, services.scheduler,
-                                                       services.defaults);
-    QQmlEngine engine;
-    ZuviAppDelegate delegate(services);
-    if (!delegate.applicationDidFinishLaunching(&engine))
+    ZuviE2E::App shell;
+    const bool danmaku = !parser.isSet("no-danmaku");
+    if (!shell.launch(parser.value("endpoints"), outDir + "/defaults.ini",
+                      [danmaku](ZuviAppDelegate::Services &services) {
+                          services.defaults->setBool(danmaku, "ZuviDanmakuEnabled");
+                      }))
         return 4;
-    auto *window = qobject_cast<QQuickWindow *>(QGuiApplication::topLevelWindows().value(0));
-    ZuviNavigationController *navigation = delegate.rootTabBarController()->viewControllerAt(0);
-    auto *grid = qobject_cast<ZuviVideoGridViewController *>(navigation->rootViewController());
-    if (!window || !grid)
+    QQuickWindow *window = shell.window();
+    ZuviNavigationController *navigation = shell.tab(0);
+    auto *grid = shell.root<ZuviVideoGridViewController>(0);
+    if (!grid)
         return 4;
     ZuviVideoPlayerViewController *c = nullptr;
-    Script script;
+    ZuviE2E::Steps script;
     QElapsedTimer switchClock;
     double switchFrom = -1;
 
@@ -221,18 +177,18 @@ int main(int argc, char **argv)
             });
             return;
         }
-        script.add(6, [&] { shot("1-playing"); });
+        script.after(6, [&] { shot("1-playing"); });
         // Back 5 s: the first video may be a 12-second clip, which a skip
         // forward would end before the fullscreen steps.
-        script.add(0, [&] { key(Qt::Key_Left); });
-        script.add(2.5, [&] { shot("2-after-seek"); });
-        script.add(0, [&] { key(Qt::Key_F); });
-        script.add(3, [&] { shot("3-fullscreen"); });
-        script.add(0, [&] { key(Qt::Key_Escape); });
-        script.add(2.5, [&] { shot("4-back-inline"); });
+        script.after(0, [&] { key(Qt::Key_Left); });
+        script.after(2.5, [&] { shot("2-after-seek"); });
+        script.after(0, [&] { key(Qt::Key_F); });
+        script.after(3, [&] { shot("3-fullscreen"); });
+        script.after(0, [&] { key(Qt::Key_Escape); });
+        script.after(2.5, [&] { shot("4-back-inline"); });
         // Faster with the key, then 480P from the player's menu: the same
         // moment of the movie in the other quality, at the chosen speed.
-        script.add(0, [&] {
+        script.after(0, [&] {
             key(Qt::Key_BracketRight);
             switchClock.start();
             switchFrom = c->moviePlayer() ? c->moviePlayer()->currentPlaybackTime() : -1;
@@ -252,13 +208,12 @@ int main(int argc, char **argv)
             });
             c->playbackOptions()->chooseQuality(1);
         });
-        script.add(3, [&] {
+        script.after(3, [&] {
             say(QString("speed %1, quality %2")
                     .arg(c->playbackOptions()->speedButtonTitle(),
                          c->playbackOptions()->qualityButtonTitle()));
             shot("5-faster-480p");
         });
-        script.add(0, [&] { QCoreApplication::quit(); });
         script.run();
     };
 

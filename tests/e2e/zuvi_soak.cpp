@@ -9,48 +9,27 @@
 //
 // Usage: zuvi-soak --endpoints FILE --out DIR [--cycles N] [--play SECONDS]
 
-#include "app/zuviappdelegate.h"
-#include "app/zuvinavigationcontroller.h"
-#include "app/zuvitabbarcontroller.h"
 #include "browse/zuvisearchresultsviewcontroller.h"
 #include "browse/zuvivideogridviewcontroller.h"
 #include "danmaku/zuvidanmakuoverlayview.h"
-#include "platform/zuvidefaults.h"
-#include "platform/zuviendpoints.h"
 #include "player/zuvimovieplayer.h"
-#include "player/zuvivideoplayerviewcontroller.h"
+#include "zuvie2edriver.h"
 
 #include <QCommandLineParser>
 #include <QDeadlineTimer>
 #include <QDir>
-#include <QFile>
 #include <QGuiApplication>
 #include <QPointer>
-#include <QQmlEngine>
 #include <QQmlExtensionPlugin>
-#include <QRegularExpression>
-#include <QTimer>
-
-#include <functional>
 
 Q_IMPORT_QML_PLUGIN(ZuviPlugin)
 
 namespace {
-QTextStream out(stdout);
-
-void say(const QString &line)
-{
-    out << line << Qt::endl;
-}
+using ZuviE2E::say;
 
 double residentMegabytes()
 {
-    QFile status(QStringLiteral("/proc/self/status"));
-    if (!status.open(QIODevice::ReadOnly))
-        return 0;
-    const QString text = QString::fromLatin1(status.readAll());
-    const auto match = QRegularExpression(QStringLiteral("VmRSS:\\s+(\\d+) kB")).match(text);
-    return match.hasMatch() ? match.captured(1).toDouble() / 1024.0 : 0;
+    return ZuviE2E::processStatusKiB("VmRSS") / 1024.0;
 }
 
 // Waits on the event loop, checking every 100 ms, until the condition holds
@@ -188,26 +167,15 @@ int main(int argc, char **argv)
 
     const QString outDir = parser.value("out").isEmpty() ? QDir::tempPath() : parser.value("out");
     QDir().mkpath(outDir);
-    ZuviDefaults::setStandardFilePath(outDir + "/defaults.ini");
-    ZuviDefaults::standardDefaults()->setBool(true, "ZuviDanmakuEnabled");
-    ZuviEndpoints endpoints = ZuviEndpoints::defaults();
-    ZuviError error;
-    if (!ZuviEndpoints::loadFile(parser.value("endpoints"), &endpoints, &error)) {
-        say("endpoints: " + error.message);
-        return 2;
-    }
-    ZuviEndpoints::setShared(endpoints);
-
-    const ZuviAppDelegate::Services services = ZuviAppDelegate::sharedServices();
-    ZuviVideoPlayerViewController::openVideosFromLists(services.client, services.scheduler,
-                                                       services.defaults);
-    QQmlEngine engine;
-    ZuviAppDelegate delegate(services);
-    if (!delegate.applicationDidFinishLaunching(&engine))
+    ZuviE2E::App shell;
+    if (!shell.launch(parser.value("endpoints"), outDir + "/defaults.ini",
+                      [](ZuviAppDelegate::Services &services) {
+                          services.defaults->setBool(true, "ZuviDanmakuEnabled");
+                      }))
         return 4;
     Soak soak;
-    soak.navigation = delegate.rootTabBarController()->viewControllerAt(0);
-    soak.grid = qobject_cast<ZuviVideoGridViewController *>(soak.navigation->rootViewController());
+    soak.navigation = shell.tab(0);
+    soak.grid = shell.root<ZuviVideoGridViewController>(0);
     soak.cycles = qMax(1, parser.value("cycles").toInt());
     soak.playSeconds = parser.value("play").toDouble();
     if (!soak.grid)

@@ -11,76 +11,27 @@
 //
 // Usage: zuvi-video-screen-e2e --endpoints FILE --settings FILE --out DIR [--signed-in]
 // Each check prints "ok: ..." or "FAIL: ..."; the exit status is the number of failures.
-#include "app/zuviappdelegate.h"
-#include "app/zuvinavigationcontroller.h"
-#include "app/zuvitabbarcontroller.h"
 #include "browse/zuvivideogridviewcontroller.h"
-#include "browse/zuvivideoscreenopener.h"
 #include "danmaku/zuvidanmakuengine.h"
 #include "danmaku/zuvidanmakuoverlayview.h"
-#include "platform/zuvidefaults.h"
-#include "platform/zuviendpoints.h"
-#include "player/zuvivideoplayerviewcontroller.h"
+#include "zuvie2edriver.h"
 
 #include <QCommandLineParser>
 #include <QDateTime>
 #include <QGuiApplication>
-#include <QQmlEngine>
 #include <QQmlExtensionPlugin>
-#include <QQuickWindow>
-#include <QTextStream>
-#include <QTimer>
-
-#include <functional>
-#include <memory>
 
 Q_IMPORT_QML_PLUGIN(ZuviPlugin)
 
 namespace {
 using Controller = ZuviVideoPlayerViewController;
+using ZuviE2E::Steps;
 
-QTextStream out(stdout);
-int failures = 0;
-
-void check(bool condition, const QString &what)
+// The steps of one phase wait up to 30 s each: a clip plays to its end.
+void add(Steps &flow, const QString &name, std::function<bool()> ready, std::function<void()> then)
 {
-    out << (condition ? "ok: " : "FAIL: ") << what << Qt::endl;
-    if (!condition)
-        ++failures;
+    flow.add(name, std::move(ready), std::move(then), 30000);
 }
-
-// The steps of one phase, each waiting (up to 30 s) for its condition.
-struct Flow {
-    struct Step {
-        QString name;
-        std::function<bool()> ready;
-        std::function<void()> then;
-    };
-    QList<Step> steps;
-    void add(const QString &name, std::function<bool()> ready, std::function<void()> then)
-    {
-        steps.append({name, std::move(ready), std::move(then)});
-    }
-    void run(int index = 0, int waitedMs = 0)
-    {
-        if (index >= steps.size()) {
-            QCoreApplication::exit(failures);
-            return;
-        }
-        Step &step = steps[index];
-        if (step.ready()) {
-            step.then();
-            QTimer::singleShot(0, [this, index] { run(index + 1); });
-            return;
-        }
-        if (waitedMs > 30000) {
-            check(false, step.name + " (never came)");
-            QCoreApplication::exit(failures);
-            return;
-        }
-        QTimer::singleShot(100, [this, index, waitedMs] { run(index, waitedMs + 100); });
-    }
-};
 
 bool playing(Controller *c)
 {
@@ -97,14 +48,14 @@ bool flying(Controller *c, const QString &text)
     return false;
 }
 
-void signedOutFlow(Flow &flow, Controller *&c, QQuickWindow *window, const QString &outDir)
+void signedOutFlow(Steps &flow, Controller *&c, QQuickWindow *window, const QString &outDir)
 {
     auto shot = [window, outDir](const QString &name) {
         window->grabWindow().save(outDir + "/" + name + ".png");
     };
     auto results = std::make_shared<QStringList>();
-    flow.add(
-        "signed-out favourite", [&c] { return c && c->detail().has_value(); },
+    add(
+        flow, "signed-out favourite", [&c] { return c && c->detail().has_value(); },
         [&c, results] {
             QObject::connect(c->actions(), &ZuviVideoActions::resultRequested, c,
                              [results](const QString &title, const QString &message) {
@@ -112,66 +63,69 @@ void signedOutFlow(Flow &flow, Controller *&c, QQuickWindow *window, const QStri
                              });
             c->actions()->videoInteractionButtonTapped(ZuviVideoActions::FavoriteButton);
         });
-    flow.add(
-        "favourite refused", [&c] { return !c->actions()->isInProgress(); },
+    add(
+        flow, "favourite refused", [&c] { return !c->actions()->isInProgress(); },
         [&c, results] {
             const QString message = QStringLiteral("缺少登录凭证或 zuvi_jct，请先登录");
-            check(c->actions()->statusText() == QStringLiteral("收藏失败：") + message,
-                  "signed out, the status line tells the login is missing: " +
-                      c->actions()->statusText());
-            check(results->value(0) == QStringLiteral("收藏|") + message,
-                  "and a dialog says the same: " + results->value(0));
+            Steps::check(c->actions()->statusText() == QStringLiteral("收藏失败：") + message,
+                         "signed out, the status line tells the login is missing: " +
+                             c->actions()->statusText());
+            Steps::check(results->value(0) == QStringLiteral("收藏|") + message,
+                         "and a dialog says the same: " + results->value(0));
         });
-    flow.add(
-        "playing inline", [&c] { return playing(c); },
+    add(
+        flow, "playing inline", [&c] { return playing(c); },
         [&c] { c->seekTo(c->moviePlayer()->duration() - 1.0); });
-    flow.add(
-        "inline end", [&c] { return c->isPlaybackEndVisible(); },
+    add(
+        flow, "inline end", [&c] { return c->isPlaybackEndVisible(); },
         [&c, shot] {
             shot("e2e-1-end-inline");
-            check(!c->isPlaybackEndInFullscreen(), "the clip ended inline with the end card up");
-            check(c->endCard()->countdownRemaining() == 0, "inline, nothing counts down");
+            Steps::check(!c->isPlaybackEndInFullscreen(),
+                         "the clip ended inline with the end card up");
+            Steps::check(c->endCard()->countdownRemaining() == 0, "inline, nothing counts down");
             c->playbackEndReplayTapped();
         });
-    flow.add(
-        "replay plays", [&c] { return playing(c) && !c->isPlaybackEndVisible(); },
+    add(
+        flow, "replay plays", [&c] { return playing(c) && !c->isPlaybackEndVisible(); },
         [&c] {
-            check(true, "replay plays the clip again");
+            Steps::check(true, "replay plays the clip again");
             c->toggleFullscreen();
         });
     auto firstRelated = std::make_shared<QString>();
-    flow.add(
-        "fullscreen", [&c] { return c->isMoviePlayerFullscreen() && playing(c); },
+    add(
+        flow, "fullscreen", [&c] { return c->isMoviePlayerFullscreen() && playing(c); },
         [&c] { c->seekTo(c->moviePlayer()->duration() - 1.0); });
-    flow.add(
-        "fullscreen end", [&c] { return c->isPlaybackEndVisible(); },
+    add(
+        flow, "fullscreen end", [&c] { return c->isPlaybackEndVisible(); },
         [&c, shot, firstRelated] {
             shot("e2e-2-end-fullscreen");
-            check(c->isPlaybackEndInFullscreen(), "the end card is in the fullscreen window");
-            check(c->playbackEndBadgeText() == QStringLiteral("5秒后播放"),
-                  "the countdown starts at 5: " + c->playbackEndBadgeText());
+            Steps::check(c->isPlaybackEndInFullscreen(),
+                         "the end card is in the fullscreen window");
+            Steps::check(c->playbackEndBadgeText() == QStringLiteral("5秒后播放"),
+                         "the countdown starts at 5: " + c->playbackEndBadgeText());
             *firstRelated = c->sideContent()->firstRelatedVideo()
                                 ? c->sideContent()->firstRelatedVideo()->bvid
                                 : QString();
         });
     auto player = std::make_shared<QPointer<ZuviMoviePlayer>>();
-    flow.add(
-        "countdown", [&c] { return c->playbackEndBadgeText() == QStringLiteral("1秒后播放"); },
+    add(
+        flow, "countdown",
+        [&c] { return c->playbackEndBadgeText() == QStringLiteral("1秒后播放"); },
         [&c, player] { *player = c->moviePlayer(); });
-    flow.add(
-        "related plays in fullscreen",
+    add(
+        flow, "related plays in fullscreen",
         [&c, firstRelated] {
             return c->videoItem().bvid == *firstRelated && playing(c) && !c->isPlaybackEndVisible();
         },
         [&c, shot, player] {
             shot("e2e-3-related-fullscreen");
-            check(c->moviePlayer() == player->data(), "the same fullscreen player plays it");
-            check(c->isMoviePlayerFullscreen(), "still fullscreen");
-            check(c->sourceTitle() == QStringLiteral("相关推荐"), "as a related video");
+            Steps::check(c->moviePlayer() == player->data(), "the same fullscreen player plays it");
+            Steps::check(c->isMoviePlayerFullscreen(), "still fullscreen");
+            Steps::check(c->sourceTitle() == QStringLiteral("相关推荐"), "as a related video");
         });
 }
 
-void signedInFlow(Flow &flow, Controller *&c, QQuickWindow *window, const QString &outDir)
+void signedInFlow(Steps &flow, Controller *&c, QQuickWindow *window, const QString &outDir)
 {
     auto shot = [window, outDir](const QString &name) {
         window->grabWindow().save(outDir + "/" + name + ".png");
@@ -179,25 +133,25 @@ void signedInFlow(Flow &flow, Controller *&c, QQuickWindow *window, const QStrin
     const QString comment =
         QStringLiteral("端到端评论 %1").arg(QDateTime::currentMSecsSinceEpoch() % 100000);
     const QString danmaku = QStringLiteral("端到端弹幕");
-    flow.add(
-        "detail and comments",
+    add(
+        flow, "detail and comments",
         [&c] { return c && c->detail() && !c->sideContent()->isLoadingComments() && playing(c); },
         [&c] { c->actions()->videoInteractionButtonTapped(ZuviVideoActions::FavoriteButton); });
-    flow.add(
-        "favourite", [&c] { return !c->actions()->isInProgress(); },
+    add(
+        flow, "favourite", [&c] { return !c->actions()->isInProgress(); },
         [&c] {
-            check(c->actions()->isFavorited(), "favourited: " + c->actions()->statusText());
+            Steps::check(c->actions()->isFavorited(), "favourited: " + c->actions()->statusText());
             c->actions()->videoInteractionButtonTapped(ZuviVideoActions::WatchLaterButton);
         });
-    flow.add(
-        "watch later", [&c] { return !c->actions()->isInProgress(); },
+    add(
+        flow, "watch later", [&c] { return !c->actions()->isInProgress(); },
         [&c, comment] {
-            check(c->actions()->isWatchLater(),
-                  "saved to watch later: " + c->actions()->statusText());
+            Steps::check(c->actions()->isWatchLater(),
+                         "saved to watch later: " + c->actions()->statusText());
             c->actions()->inputSubmitted(ZuviVideoActions::CommentInput, comment);
         });
-    flow.add(
-        "comment in the reloaded list",
+    add(
+        flow, "comment in the reloaded list",
         [&c, comment] {
             if (c->actions()->isInProgress() || c->sideContent()->isLoadingComments())
                 return false;
@@ -207,16 +161,16 @@ void signedInFlow(Flow &flow, Controller *&c, QQuickWindow *window, const QStrin
             return !c->actions()->statusText().isEmpty();
         },
         [&c, comment, danmaku] {
-            check(c->actions()->statusText().isEmpty(),
-                  "the comment was posted: " + c->actions()->statusText());
+            Steps::check(c->actions()->statusText().isEmpty(),
+                         "the comment was posted: " + c->actions()->statusText());
             c->sideContent()->setSideSegment(1);
             c->actions()->inputSubmitted(ZuviVideoActions::DanmakuInput, danmaku);
         });
-    flow.add(
-        "danmaku flies", [&c, danmaku] { return flying(c, danmaku); },
+    add(
+        flow, "danmaku flies", [&c, danmaku] { return flying(c, danmaku); },
         [&c, shot] {
             shot("e2e-4-signed-in");
-            check(true, "the sent danmaku flies at once");
+            Steps::check(true, "the sent danmaku flies at once");
         });
 }
 } // namespace
@@ -231,34 +185,23 @@ int main(int argc, char **argv)
     parser.addOption({"out", "screenshot directory", "dir"});
     parser.addOption({"signed-in", "the signed-in phase"});
     parser.process(app);
-    ZuviDefaults::setStandardFilePath(parser.value("settings"));
-    ZuviEndpoints endpoints = ZuviEndpoints::defaults();
-    ZuviError error;
-    if (!ZuviEndpoints::loadFile(parser.value("endpoints"), &endpoints, &error)) {
-        out << "endpoints: " << error.message << Qt::endl;
+    ZuviE2E::App shell;
+    if (!shell.launch(parser.value("endpoints"), parser.value("settings")))
         return 100;
-    }
-    ZuviEndpoints::setShared(endpoints);
-
-    const ZuviAppDelegate::Services services = ZuviAppDelegate::sharedServices();
-    Controller::openVideosFromLists(services.client, services.scheduler, services.defaults);
-    QQmlEngine engine;
-    ZuviAppDelegate delegate(services);
-    if (!delegate.applicationDidFinishLaunching(&engine))
-        return 100;
-    auto *window = qobject_cast<QQuickWindow *>(delegate.window());
-    ZuviNavigationController *navigation = delegate.rootTabBarController()->viewControllerAt(0);
-    auto *grid = qobject_cast<ZuviVideoGridViewController *>(navigation->rootViewController());
+    QQuickWindow *window = shell.window();
+    ZuviNavigationController *navigation = shell.tab(0);
+    auto *grid = shell.root<ZuviVideoGridViewController>(0);
 
     Controller *c = nullptr;
-    Flow flow;
-    flow.steps.append({"the grid", [grid] { return !grid->videos().isEmpty(); },
-                       [&] {
-                           grid->selectItem(0);
-                           c = qobject_cast<Controller *>(navigation->topViewController());
-                           if (c)
-                               out << "video: " << c->videoItem().bvid << Qt::endl;
-                       }});
+    Steps flow;
+    add(
+        flow, "the grid", [grid] { return !grid->videos().isEmpty(); },
+        [&] {
+            grid->selectItem(0);
+            c = qobject_cast<Controller *>(navigation->topViewController());
+            if (c)
+                ZuviE2E::say("video: " + c->videoItem().bvid);
+        });
     if (parser.isSet("signed-in"))
         signedInFlow(flow, c, window, parser.value("out"));
     else

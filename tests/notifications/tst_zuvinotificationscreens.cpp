@@ -1,25 +1,15 @@
 #include "app/zuviappdelegate.h"
 #include "app/zuvinavigationcontroller.h"
 #include "app/zuvisettingsviewcontroller.h"
-#include "app/zuvitabbarcontroller.h"
-#include "config/zuviremoteconfig.h"
-#include "images/zuviimageloader.h"
-#include "images/zuviimageprovider.h"
-#include "net/zuviapiclient.h"
 #include "notifications/zuvinotificationhistorydetailviewcontroller.h"
 #include "notifications/zuviremoteconfigdebugviewcontroller.h"
-#include "notifications/zuviremotemessageoverlayview.h"
 #include "notifications/zuviremotenotificationhistoryviewcontroller.h"
-#include "notifications/zuviremotenotificationpresenter.h"
-#include "platform/zuvidebuglog.h"
-#include "platform/zuvinotificationcenter.h"
-#include "platform/zuvivirtualscheduler.h"
+#include "zuvimessageservicesfixture.h"
+#include "zuvipagewarnings.h"
 #include "zuvitesthttpserver.h"
-#include "zuvitestsupport.h"
 
 #include <QBuffer>
 #include <QImage>
-#include <QQmlComponent>
 #include <QQmlEngine>
 #include <QQmlExtensionPlugin>
 #include <QQuickItem>
@@ -31,17 +21,6 @@
 Q_IMPORT_QML_PLUGIN(ZuviPlugin)
 
 namespace {
-QStringList *capturedWarnings = nullptr;
-QtMessageHandler previousHandler = nullptr;
-
-void captureWarnings(QtMsgType type, const QMessageLogContext &context, const QString &message)
-{
-    if (capturedWarnings && type != QtDebugMsg && type != QtInfoMsg)
-        capturedWarnings->append(message);
-    if (previousHandler)
-        previousHandler(type, context, message);
-}
-
 QByteArray png()
 {
     QImage image(320, 180, QImage::Format_RGB32);
@@ -54,22 +33,16 @@ QByteArray png()
 }
 } // namespace
 
-// The history, detail and configuration screens, their pages, and the card
-// shown over the application window.
-class TestNotificationScreens : public QObject
+// The history, detail and configuration screens and their pages. The card
+// over the running application window is driven end to end by
+// messages-e2e.sh, its fade-out by tst_zuviremotenotificationpresenter.
+class TestNotificationScreens : public QObject, private ZuviMessageServicesFixture
 {
     Q_OBJECT
 
 private:
     ZuviTestHttpServer server;
-    std::unique_ptr<ZuviScratchDefaults> defaults;
-    std::unique_ptr<ZuviNotificationCenter> center;
-    std::unique_ptr<ZuviVirtualScheduler> scheduler;
-    std::unique_ptr<ZuviDebugLog> log;
-    std::unique_ptr<ZuviImageLoader> images;
-    std::unique_ptr<ZuviRemoteConfig> config;
-    std::unique_ptr<ZuviRemoteNotificationPresenter> presenter;
-    QStringList warnings;
+    ZuviPageWarnings pages;
 
     ZuviRemoteNotificationHistoryViewController::Services historyServices() const
     {
@@ -96,22 +69,7 @@ private:
 
     void loadPage(ZuviViewController *controller, QSize size)
     {
-        QQmlEngine engine;
-        engine.addImageProvider(ZuviImageProvider::kProviderId,
-                                new ZuviImageProvider(images.get()));
-        QQuickWindow window;
-        window.resize(size);
-        QQmlComponent component(&engine, controller->pageUrl());
-        QVERIFY2(component.isReady(), qPrintable(component.errorString()));
-        std::unique_ptr<QObject> page(component.createWithInitialProperties(
-            {{"controller", QVariant::fromValue(controller)}}));
-        QVERIFY2(page, qPrintable(component.errorString()));
-        auto *item = qobject_cast<QQuickItem *>(page.get());
-        item->setParentItem(window.contentItem());
-        item->setSize(size);
-        window.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&window));
-        QCoreApplication::processEvents();
+        ZuviPageWarnings::loadPage(controller, size, images.get());
     }
 
 private slots:
@@ -126,36 +84,20 @@ private slots:
         server.setAnswer(
             "GET", "/config.json",
             ZuviScriptedAnswer::json(R"({"message":{"version":3,"text":"配置通知"}})"));
-        capturedWarnings = &warnings;
-        previousHandler = qInstallMessageHandler(captureWarnings);
+        pages.start();
     }
-    void cleanupTestCase()
-    {
-        qInstallMessageHandler(previousHandler);
-        capturedWarnings = nullptr;
-    }
+    void cleanupTestCase() { pages.stop(); }
 
     void init()
     {
-        warnings.clear();
-        defaults.reset(new ZuviScratchDefaults);
-        center.reset(new ZuviNotificationCenter);
-        scheduler.reset(new ZuviVirtualScheduler);
-        log.reset(new ZuviDebugLog(defaults->get(), center.get()));
-        images.reset(
-            new ZuviImageLoader(log.get(), ZuviEndpoints::allOn(server.baseUrl()), nullptr));
-        config.reset(new ZuviRemoteConfig(defaults->get(), center.get(), scheduler.get()));
-        presenter.reset(
-            new ZuviRemoteNotificationPresenter({config.get(), defaults->get(), center.get(),
-                                                 scheduler.get(), images.get(), log.get()}));
+        pages.warnings.clear();
+        makeServices(server.baseUrl());
         presenter->setClock([] { return QDateTime(QDate(2026, 3, 1), QTime(8, 30, 5)); });
     }
     void cleanup()
     {
-        presenter.reset();
-        config.reset();
-        images.reset();
-        QVERIFY2(warnings.isEmpty(), qPrintable(warnings.join('\n')));
+        releaseServices();
+        QVERIFY2(pages.warnings.isEmpty(), qPrintable(pages.warnings.join('\n')));
     }
 
     void historyListsNewestFirstAndClears()
@@ -235,10 +177,6 @@ private slots:
     void configDebugStateRefreshAndReplay()
     {
         ZuviRemoteConfigDebugViewController screen({config.get(), presenter.get(), center.get()});
-        QVERIFY(screen.stateText().contains(QStringLiteral("\nURL: 未配置\n")));
-        QVERIFY(screen.stateText().contains(QStringLiteral("\n配置 message: 未获取\n")));
-        QVERIFY(screen.stateText().endsWith(QStringLiteral("获取到的配置:\n暂无配置。")));
-
         QSignalSpy alert(&screen, &ZuviRemoteConfigDebugViewController::alertRequested);
         screen.presentLatestNotification();
         QCOMPARE(alert.size(), 1);
@@ -296,59 +234,13 @@ private slots:
     {
         remember(1, "页面里的通知", "");
         defaults->get()->setBool(true, ZuviAppDelegate::kDeveloperModeKey);
-        ZuviSettingsViewController::Services services{
-            defaults->get(), center.get(), scheduler.get(), log.get(),
-            images.get(),    config.get(), presenter.get()};
-        ZuviSettingsViewController settings(services);
+        ZuviSettingsViewController settings(settingsServices());
         loadPage(&settings, QSize(1024, 768));
         loadPage(&settings, QSize(320, 568));
         ZuviRemoteNotificationHistoryViewController history(historyServices());
         loadPage(&history, QSize(1024, 768));
         history.confirmClear();
         loadPage(&history, QSize(320, 568));
-    }
-
-    // The card over the running application window: built from its page,
-    // covering the window, dismissed by "知道了".
-    void cardOverTheApplicationWindow()
-    {
-        ZuviScratchDefaults clientDefaults;
-        ZuviAPIClient client(clientDefaults.get(), log.get(), center.get(),
-                             ZuviEndpoints::allOn(server.baseUrl()));
-        ZuviAppDelegate::Services services;
-        services.client = &client;
-        services.defaults = defaults->get();
-        services.center = center.get();
-        services.scheduler = scheduler.get();
-        services.log = log.get();
-        services.imageLoader = images.get();
-        services.presenter = presenter.get();
-        services.endpoints = ZuviEndpoints::allOn(server.baseUrl());
-        QQmlEngine engine;
-        ZuviAppDelegate delegate(services);
-        QVERIFY(delegate.applicationDidFinishLaunching(&engine));
-        auto *window = qobject_cast<QQuickWindow *>(delegate.window());
-        QVERIFY(QTest::qWaitForWindowExposed(window));
-
-        ZuviRemoteConfigMessage message;
-        message.version = 2;
-        message.text = QStringLiteral("窗口上的通知");
-        message.imageURLString = server.urlString("/pic/card.png");
-        presenter->presentMessage(message);
-        QPointer<ZuviRemoteMessageOverlayView> card = presenter->currentOverlayView();
-        QVERIFY(card);
-        QVERIFY(QString::fromLatin1(card->metaObject()->className())
-                    .startsWith("RemoteMessageOverlay"));
-        QCOMPARE(card->parentItem(), window->contentItem());
-        QCOMPARE(card->size(), QSizeF(1024, 768));
-        QTRY_VERIFY(card->isImageLoaded());
-        QCoreApplication::processEvents();
-
-        card->dismissButtonTapped();
-        QVERIFY(!presenter->currentOverlayView());
-        scheduler->advance(ZuviRemoteMessageOverlayView::kFadeOutDuration);
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        QVERIFY(!card);
     }
 };
 

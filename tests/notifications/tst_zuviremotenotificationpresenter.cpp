@@ -1,12 +1,6 @@
-#include "config/zuviremoteconfig.h"
-#include "images/zuviimageloader.h"
 #include "notifications/zuviremotemessageoverlayview.h"
-#include "notifications/zuviremotenotificationpresenter.h"
-#include "platform/zuvidebuglog.h"
-#include "platform/zuvinotificationcenter.h"
-#include "platform/zuvivirtualscheduler.h"
+#include "zuvimessageservicesfixture.h"
 #include "zuvitesthttpserver.h"
-#include "zuvitestsupport.h"
 
 #include <QBuffer>
 #include <QImage>
@@ -37,21 +31,15 @@ ZuviRemoteConfigMessage message(qint64 version, const QString &text, const QStri
 }
 } // namespace
 
-class TestRemoteNotificationPresenter : public QObject
+// The presenter's history, its card and the card's picture. A message shown
+// once and not again after a restart is driven end to end by messages-e2e.sh.
+class TestRemoteNotificationPresenter : public QObject, private ZuviMessageServicesFixture
 {
     Q_OBJECT
 
 private:
     ZuviTestHttpServer server;
-    std::unique_ptr<ZuviScratchDefaults> defaults;
-    std::unique_ptr<ZuviNotificationCenter> center;
-    std::unique_ptr<ZuviVirtualScheduler> scheduler;
-    std::unique_ptr<ZuviDebugLog> log;
-    std::unique_ptr<ZuviImageLoader> images;
-    std::unique_ptr<ZuviRemoteConfig> config;
-    std::unique_ptr<ZuviRemoteNotificationPresenter> presenter;
     std::unique_ptr<QQuickItem> container;
-    QTemporaryDir caches;
 
     ZuviRemoteMessageOverlayView *card() const { return presenter->currentOverlayView(); }
 
@@ -72,21 +60,7 @@ private slots:
 
     void init()
     {
-        defaults.reset(new ZuviScratchDefaults);
-        center.reset(new ZuviNotificationCenter);
-        scheduler.reset(new ZuviVirtualScheduler);
-        log.reset(new ZuviDebugLog(defaults->get(), center.get()));
-        images.reset(
-            new ZuviImageLoader(log.get(), ZuviEndpoints::allOn(server.baseUrl()), nullptr));
-        config.reset(new ZuviRemoteConfig(defaults->get(), center.get(), scheduler.get()));
-        ZuviRemoteNotificationPresenter::Services services;
-        services.config = config.get();
-        services.defaults = defaults->get();
-        services.center = center.get();
-        services.scheduler = scheduler.get();
-        services.imageLoader = images.get();
-        services.log = log.get();
-        presenter.reset(new ZuviRemoteNotificationPresenter(services));
+        makeServices(server.baseUrl());
         container.reset(new QQuickItem);
         container->setSize(QSizeF(320, 480));
         presenter->setContainerProvider([this] { return container.get(); });
@@ -94,10 +68,8 @@ private slots:
 
     void cleanup()
     {
-        presenter.reset();
+        releaseServices();
         container.reset();
-        config.reset();
-        images.reset();
     }
 
     void historyKeepsTheNewestHundred()
@@ -267,32 +239,6 @@ private slots:
         presenter->saveMessageToHistory(message(9, "回放"));
         QVERIFY(presenter->presentLatestNotificationForTesting());
         QCOMPARE(card()->messageText(), QStringLiteral("回放"));
-    }
-
-    void configMessageIsShownOnceAcrossRestarts()
-    {
-        server.setAnswer("GET", "/config.json",
-                         ZuviScriptedAnswer::json(R"({"message":{"version":3,"text":"欢迎"}})"));
-        ZuviRemoteConfigOptions options = ZuviRemoteConfigOptions::optionsWithSources(
-            QStringList{server.urlString("/config.json")});
-        options.cacheDirectoryPath = caches.filePath("production");
-        presenter->startWithOptions(options);
-        QTRY_VERIFY(card());
-        QCOMPARE(card()->messageText(), QStringLiteral("欢迎"));
-        card()->dismissButtonTapped();
-        // A second start (a restart, or a developer-mode change back) finds
-        // the cached document and the fetched one at the same version.
-        presenter->startWithOptions(options);
-        QTRY_COMPARE(server.requestCount("/config.json"), 2);
-        bool refreshed = false;
-        config->refreshWithCompletion([&refreshed](const std::optional<QJsonObject> &,
-                                                   const ZuviError &) { refreshed = true; });
-        QTRY_VERIFY(refreshed);
-        QVERIFY(!card());
-        QCOMPARE(presenter->notificationHistoryEntries().size(), 1);
-        presenter->stop();
-        QVERIFY(!presenter->isObserving());
-        QVERIFY(!config->isRunning());
     }
 };
 

@@ -167,8 +167,6 @@ void TestVideoSideContent::relatedStatusTexts_data()
     QTest::addColumn<QString>("status");
     QTest::newRow("three") << relatedJson(3) << 3 << "";
     QTest::newRow("none") << relatedJson(0) << 0 << "暂无相关推荐";
-    QTest::newRow("failure") << zuviJson({{"code", -400}, {"message", "x"}}) << 0
-                             << "相关推荐加载失败";
 }
 
 void TestVideoSideContent::relatedStatusTexts()

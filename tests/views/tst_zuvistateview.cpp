@@ -58,14 +58,6 @@ private slots:
         QCOMPARE(view.usesProminentActionButton(), prominent);
     }
 
-    void errorLookColours()
-    {
-        ZuviStateView view;
-        view.setMode(ZuviStateView::Error, "加载失败", "x", "重试");
-        QCOMPARE(view.titleColor(), QColor::fromRgbF(0.12, 0.12, 0.12));
-        QCOMPARE(view.messageColor(), QColor::fromRgbF(0.45, 0.45, 0.45));
-    }
-
     void leavingErrorRemovesOnlyTheDefaultPicture()
     {
         ZuviStateView view;
