@@ -21,6 +21,7 @@
 #include "browse/zuvivideogridviewcontroller.h"
 #include "browse/zuvivideoscreenopener.h"
 #include "danmaku/zuvidanmakuoverlayview.h"
+#include "notifications/zuviremotemessageoverlayview.h"
 #include "player/zuvigstreamertuning.h"
 #include "zuvie2edriver.h"
 
@@ -160,6 +161,19 @@ int main(int argc, char **argv)
                 say("playing " + c->pendingPlayURL().toString());
         });
         if (measure > 0) {
+            // The viewer reads the operator's welcome message and closes it,
+            // as anyone would before watching: a dimmed cover left over the
+            // playing picture would be measured as the screen's cost.
+            auto *closer = new QTimer(c);
+            QObject::connect(closer, &QTimer::timeout, c, [window] {
+                const auto cards =
+                    window->contentItem()->findChildren<ZuviRemoteMessageOverlayView *>();
+                for (ZuviRemoteMessageOverlayView *card : cards) {
+                    if (card->isVisible())
+                        card->dismissButtonTapped();
+                }
+            });
+            closer->start(250);
             // As if the viewer kept a menu open: what the controls cost when
             // they never hide.
             if (parser.isSet("controls-shown"))
