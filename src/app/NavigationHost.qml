@@ -17,15 +17,26 @@ Item {
         anchors.fill: parent
     }
 
-    Component.onCompleted: {
+    // A stack's first page is made when its tab is first shown, not at
+    // launch: a tab the viewer never opens costs no page, and the covers of
+    // a list nobody looks at are never decoded. A push into a tab that was
+    // never shown puts its first page under the pushed one first.
+    property bool rootShown: false
+    function showRootIfNeeded() {
+        if (host.rootShown)
+            return
+        host.rootShown = true
         const root = host.navigation.rootViewController
         if (root)
             stack.push(root.pageUrl, { controller: root }, StackView.Immediate)
     }
+    onVisibleChanged: if (visible) showRootIfNeeded()
+    Component.onCompleted: if (visible) showRootIfNeeded()
 
     Connections {
         target: host.navigation
         function onPushed(controller, animated) {
+            host.showRootIfNeeded()
             stack.push(controller.pageUrl, { controller: controller },
                        animated ? StackView.PushTransition : StackView.Immediate)
         }
