@@ -343,8 +343,16 @@ Rectangle {
         modal: false
         closePolicy: Popup.CloseOnEscape | Popup.CloseOnPressOutside
         background: null
-        contentItem: DanmakuSettingsPanel {
-            onCloseRequested: danmakuSettings.close()
+        // The panel is made on the first opening and then kept: most
+        // viewings never open it, and it is one of the larger pieces of
+        // the screen.
+        property bool wanted: false
+        onAboutToShow: wanted = true
+        contentItem: Loader {
+            active: danmakuSettings.wanted
+            sourceComponent: DanmakuSettingsPanel {
+                onCloseRequested: danmakuSettings.close()
+            }
         }
     }
 }

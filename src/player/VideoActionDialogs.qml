@@ -3,75 +3,106 @@ import QtQuick.Controls
 import Zuvi
 
 // The dialogs of the video actions: one text field for a comment or a
-// danmaku ("取消" / "发送"), and the result of an action.
+// danmaku ("取消" / "发送"), and the result of an action. Each is made the
+// first time it is needed: most viewings never open one, and a dialog with
+// its buttons and field is a sizeable set of objects to keep beside a
+// playing video.
 Item {
     id: dialogs
 
     required property ZuviVideoActions actions
-    readonly property alias inputDialog: input
-    readonly property alias resultDialog: result
+    readonly property Dialog inputDialog: inputLoader.item ? inputLoader.item.dialog : null
+    readonly property Dialog resultDialog: resultLoader.item ? resultLoader.item.dialog : null
 
     anchors.fill: parent
 
     Connections {
         target: dialogs.actions
         function onInputRequested(title, placeholder, tag) {
-            input.title = title
-            input.tag = tag
-            field.placeholderText = placeholder
-            field.text = ""
-            input.open()
-            field.forceActiveFocus()
+            inputLoader.active = true
+            inputLoader.item.ask(title, placeholder, tag)
         }
         function onResultRequested(title, message) {
-            result.title = title
-            resultText.text = message
-            result.open()
+            resultLoader.active = true
+            resultLoader.item.show(title, message)
         }
     }
 
-    Dialog {
-        id: input
-        objectName: "videoActionInputDialog"
-        property int tag: 0
-        anchors.centerIn: parent
-        width: Math.min(dialogs.width - 40, 420)
-        modal: true
-        contentItem: TextField {
-            id: field
-            objectName: "videoActionInputField"
-            // Plain text as typed: no capitalisation or correction.
-            inputMethodHints: Qt.ImhNoAutoUppercase | Qt.ImhNoPredictiveText
-            onAccepted: input.accept()
-        }
-        footer: DialogButtonBox {
-            Button {
-                text: "取消"
-                DialogButtonBox.buttonRole: DialogButtonBox.RejectRole
+    Loader {
+        id: inputLoader
+        anchors.fill: parent
+        active: false
+        sourceComponent: Item {
+            readonly property alias dialog: input
+
+            function ask(title, placeholder, tag) {
+                input.title = title
+                input.tag = tag
+                field.placeholderText = placeholder
+                field.text = ""
+                input.open()
+                field.forceActiveFocus()
             }
-            Button {
-                objectName: "videoActionSendButton"
-                text: "发送"
-                DialogButtonBox.buttonRole: DialogButtonBox.AcceptRole
+
+            Dialog {
+                id: input
+                objectName: "videoActionInputDialog"
+                property int tag: 0
+                anchors.centerIn: parent
+                width: Math.min(dialogs.width - 40, 420)
+                modal: true
+                contentItem: TextField {
+                    id: field
+                    objectName: "videoActionInputField"
+                    // Plain text as typed: no capitalisation or correction.
+                    inputMethodHints: Qt.ImhNoAutoUppercase | Qt.ImhNoPredictiveText
+                    onAccepted: input.accept()
+                }
+                footer: DialogButtonBox {
+                    Button {
+                        text: "取消"
+                        DialogButtonBox.buttonRole: DialogButtonBox.RejectRole
+                    }
+                    Button {
+                        objectName: "videoActionSendButton"
+                        text: "发送"
+                        DialogButtonBox.buttonRole: DialogButtonBox.AcceptRole
+                    }
+                }
+                onAccepted: dialogs.actions.inputSubmitted(tag, field.text)
             }
         }
-        onAccepted: dialogs.actions.inputSubmitted(tag, field.text)
     }
 
-    Dialog {
-        id: result
-        objectName: "videoActionResultDialog"
-        anchors.centerIn: parent
-        width: Math.min(dialogs.width - 40, 360)
-        modal: true
-        contentItem: Label {
-            id: resultText
-            wrapMode: Text.Wrap
-        }
-        footer: DialogButtonBox {
-            Button {
-                text: "确定"
-                DialogButtonBox.buttonRole: DialogButtonBox.AcceptRole
+    Loader {
+        id: resultLoader
+        anchors.fill: parent
+        active: false
+        sourceComponent: Item {
+            readonly property alias dialog: result
+
+            function show(title, message) {
+                result.title = title
+                resultText.text = message
+                result.open()
+            }
+
+            Dialog {
+                id: result
+                objectName: "videoActionResultDialog"
+                anchors.centerIn: parent
+                width: Math.min(dialogs.width - 40, 360)
+                modal: true
+                contentItem: Label {
+                    id: resultText
+                    wrapMode: Text.Wrap
+                }
+                footer: DialogButtonBox {
+                    Button {
+                        text: "确定"
+                        DialogButtonBox.buttonRole: DialogButtonBox.AcceptRole
+                    }
+                }
             }
         }
     }

@@ -76,11 +76,12 @@ Page {
             VideoInfoSection {
                 Layout.fillWidth: true
                 controller: page.controller
-                onDanmakuPreviewRequested: previewDialog.open()
+                onDanmakuPreviewRequested: preview.open()
             }
             VideoSidePane {
                 objectName: "inlineSidePane"
                 visible: !page.wide
+                active: !page.wide
                 inline: true
                 Layout.fillWidth: true
                 Layout.preferredHeight: implicitHeight
@@ -92,6 +93,7 @@ Page {
     VideoSidePane {
         objectName: "sidePane"
         visible: page.wide
+        active: page.wide
         anchors { right: parent.right; top: parent.top; bottom: parent.bottom }
         width: page.sideWidth
         controller: page.controller
@@ -115,24 +117,37 @@ Page {
         actions: page.controller.actions
     }
 
-    Dialog {
-        id: previewDialog
-        title: "弹幕预览"
-        anchors.centerIn: parent
-        width: Math.min(page.width - 40, 480)
-        footer: DialogButtonBox {
-            Button {
-                text: "关闭"
-                DialogButtonBox.buttonRole: DialogButtonBox.RejectRole
-            }
+    // The developer's preview of the danmaku texts, made when first asked for.
+    Loader {
+        id: preview
+        anchors.fill: parent
+        active: false
+        function open() {
+            active = true
+            item.dialog.open()
         }
-        contentItem: ScrollView {
-            implicitHeight: Math.min(page.height * 0.6, previewText.implicitHeight)
-            Label {
-                id: previewText
-                text: page.controller.danmakuPreviewAlertMessage
-                wrapMode: Text.Wrap
-                width: previewDialog.availableWidth
+        sourceComponent: Item {
+            readonly property alias dialog: previewDialog
+            Dialog {
+                id: previewDialog
+                title: "弹幕预览"
+                anchors.centerIn: parent
+                width: Math.min(page.width - 40, 480)
+                footer: DialogButtonBox {
+                    Button {
+                        text: "关闭"
+                        DialogButtonBox.buttonRole: DialogButtonBox.RejectRole
+                    }
+                }
+                contentItem: ScrollView {
+                    implicitHeight: Math.min(page.height * 0.6, previewText.implicitHeight)
+                    Label {
+                        id: previewText
+                        text: page.controller.danmakuPreviewAlertMessage
+                        wrapMode: Text.Wrap
+                        width: previewDialog.availableWidth
+                    }
+                }
             }
         }
     }
