@@ -248,6 +248,14 @@ void ZuviAppDelegate::prepareProcess()
     // software rendering); two arenas keep about 5 MB less resident while
     // playing, at no measurable cost in CPU.
     mallopt(M_ARENA_MAX, 2);
+    // Fixed thresholds. Left to itself the allocator raises its mmap
+    // threshold each time a large block is freed, up to 32 MB, and from
+    // then on serves large blocks (danmaku documents, decoded covers,
+    // network buffers) from the arenas, where a short-lived burst at the
+    // opening of a video stays resident for the rest of it. With the
+    // thresholds fixed, large blocks are mapped and given back when freed.
+    mallopt(M_MMAP_THRESHOLD, 128 * 1024);
+    mallopt(M_TRIM_THRESHOLD, 128 * 1024);
 #endif
 }
 
