@@ -9,6 +9,13 @@ Rectangle {
     id: page
 
     required property ZuviHotViewController controller
+    // While a pushed screen covers the page (a video playing over the list),
+    // its cards let go of their pictures: a covered page would otherwise
+    // keep a texture per card for as long as the video plays. The decoded
+    // pictures stay in the image loader's cache, so they are back as the
+    // page slides in again.
+    readonly property bool coversShown: StackView.view === null
+                                        || StackView.status !== StackView.Inactive
     readonly property var gridLayout: controller.layoutForWidth(width)
 
     color: ZuviAppearance.backgroundColor
@@ -129,6 +136,7 @@ Rectangle {
             Component {
                 id: cardComponent
                 VideoGridCell {
+                    coverAllowed: page.coversShown
                     title: cell.title
                     coverURL: cell.coverURL
                     ownerName: cell.ownerName
@@ -142,6 +150,7 @@ Rectangle {
             Component {
                 id: rowComponent
                 VideoListRow {
+                    coverAllowed: page.coversShown
                     title: cell.title
                     coverURL: cell.coverURL
                     ownerName: cell.ownerName

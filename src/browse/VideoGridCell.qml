@@ -14,6 +14,8 @@ Rectangle {
     required property string playText
     required property string durationText
     required property color placeholderColor
+    // False while the page is covered: the picture's texture is let go.
+    property bool coverAllowed: true
     signal tapped()
 
     readonly property real contentWidth: width - 16
@@ -50,7 +52,7 @@ Rectangle {
             asynchronous: true
             fillMode: Image.PreserveAspectCrop
             sourceSize.width: 480
-            source: ZuviCoverSource.sourceForURL(card.coverURL)
+            source: card.coverAllowed ? ZuviCoverSource.sourceForURL(card.coverURL) : ""
         }
         Rectangle {
             visible: card.durationText.length > 0

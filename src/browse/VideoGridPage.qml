@@ -9,6 +9,13 @@ Rectangle {
     id: page
 
     required property ZuviVideoGridViewController controller
+    // While a pushed screen covers the page (a video playing over the list),
+    // its cards let go of their pictures: a covered page would otherwise
+    // keep a texture per card for as long as the video plays. The decoded
+    // pictures stay in the image loader's cache, so they are back as the
+    // page slides in again.
+    readonly property bool coversShown: StackView.view === null
+                                        || StackView.status !== StackView.Inactive
     readonly property var gridLayout: controller.layoutForWidth(width)
     readonly property real shorterSide: Math.min(Window.width > 0 ? Window.width : width,
                                                  Window.height > 0 ? Window.height : height)
@@ -124,6 +131,7 @@ Rectangle {
             Component {
                 id: cardComponent
                 VideoGridCell {
+                    coverAllowed: page.coversShown
                     title: cell.title
                     coverURL: cell.coverURL
                     ownerName: cell.ownerName
@@ -137,6 +145,7 @@ Rectangle {
             Component {
                 id: rowComponent
                 VideoListRow {
+                    coverAllowed: page.coversShown
                     title: cell.title
                     coverURL: cell.coverURL
                     ownerName: cell.ownerName

@@ -5,6 +5,7 @@
 #include "app/zuvidebuglog.h"
 #include "app/zuvidebuglogviewcontroller.h"
 #include "app/zuvikeyboardshortcuts.h"
+#include "app/zuvinavigationcontroller.h"
 #include "app/zuvitabbarcontroller.h"
 #include "browse/zuvifollowingviewcontroller.h"
 #include "browse/zuvihotregionsettingsviewcontroller.h"
@@ -34,7 +35,7 @@
 Q_IMPORT_QML_PLUGIN(ZuviPlugin)
 
 namespace {
-QList<ZuviVideoItem> sampleVideos(int count)
+QList<ZuviVideoItem> sampleVideos(int count, bool covers = true)
 {
     QList<ZuviVideoItem> videos;
     for (int i = 0; i < count; ++i) {
@@ -45,7 +46,8 @@ QList<ZuviVideoItem> sampleVideos(int count)
         item.playCountText = "12.3万";
         item.durationText = "3:25";
         // Covers from the loopback server, which has none: placeholders stay.
-        item.coverURLString = QStringLiteral("http://127.0.0.1:1/cover%1.jpg").arg(i);
+        if (covers)
+            item.coverURLString = QStringLiteral("http://127.0.0.1:1/cover%1.jpg").arg(i);
         videos.append(item);
     }
     return videos;
@@ -65,6 +67,41 @@ private:
     std::unique_ptr<ZuviAPIClient> client;
     std::unique_ptr<ZuviImageLoader> images;
     ZuviPageWarnings pages;
+
+    // The items under root, in the order the scene holds them.
+    static QList<QQuickItem *> itemsUnder(QQuickItem *root, const char *className)
+    {
+        QList<QQuickItem *> found;
+        for (QQuickItem *child : root->childItems()) {
+            if (child->inherits(className))
+                found.append(child);
+            found += itemsUnder(child, className);
+        }
+        return found;
+    }
+    // The depth of each tab's page stack, in tab order.
+    static QList<int> stackDepths(QQuickWindow *window)
+    {
+        QList<int> depths;
+        for (QQuickItem *stack : itemsUnder(window->contentItem(), "QQuickStackView"))
+            depths.append(stack->property("depth").toInt());
+        return depths;
+    }
+    // How many cards on each page of a tab's stack may show their cover.
+    static QList<int> cardsShowingCovers(QQuickWindow *window, int tab)
+    {
+        QQuickItem *stack = itemsUnder(window->contentItem(), "QQuickStackView").value(tab);
+        QList<int> counts;
+        for (QQuickItem *page : itemsUnder(stack, "QQuickItem")) {
+            if (!page->property("controller").isValid())
+                continue;
+            int cards = 0;
+            for (QQuickItem *card : itemsUnder(page, "QQuickItem"))
+                cards += card->property("coverAllowed").toBool() ? 1 : 0;
+            counts.append(cards);
+        }
+        return counts;
+    }
 
     void loadPage(ZuviViewController *controller, QSize size)
     {
@@ -245,11 +282,25 @@ private slots:
         QVERIFY(window);
         QCOMPARE(window->size(), QSize(1024, 768));
         QVERIFY(QTest::qWaitForWindowExposed(window));
+        ZuviTabBarController *tabs = delegate->rootTabBarController();
+        // Only the shown tab has made its page. A screen pushed on a tab
+        // never shown lands above that tab's first page.
+        QCOMPARE(stackDepths(window), (QList<int>{1, 0, 0, 0}));
+        for (int i = 0; i < 2; ++i) {
+            tabs->viewControllerAt(1)->pushViewController(
+                ZuviVideoGridViewController::createWithTitle("合集", sampleVideos(4, false), "空",
+                                                             client.get(), &scheduler),
+                false);
+        }
+        QCOMPARE(stackDepths(window), (QList<int>{1, 3, 0, 0}));
         // Every tab shows its page.
         for (int i = 0; i < 4; ++i) {
-            delegate->rootTabBarController()->selectTab(i);
+            tabs->selectTab(i);
             QCoreApplication::processEvents();
         }
+        QCOMPARE(stackDepths(window), (QList<int>{1, 3, 1, 1}));
+        // The covered grid lets go of its covers; the one above it shows its own.
+        QCOMPARE(cardsShowingCovers(window, 1), (QList<int>{0, 0, 4}));
 
         // The search key, from another tab, lands in the recommended grid's
         // search field; what is typed there is text, not keys.
