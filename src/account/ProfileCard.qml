@@ -39,21 +39,17 @@ Rectangle {
         border.width: 3
         Text {
             anchors.centerIn: parent
-            visible: avatarImage.status !== Image.Ready
+            visible: !avatarPhoto.ready
             text: card.controller.avatarCharacter
             color: card.controller.loggedIn ? Qt.rgba(0.80, 0.24, 0.42, 1) : "white"
             font.pixelSize: 32
             font.bold: true
         }
-        Image {
-            id: avatarImage
+        RoundPhoto {
+            id: avatarPhoto
             anchors.fill: parent
             anchors.margins: 3
-            visible: status === Image.Ready
             source: card.controller.avatarSource
-            asynchronous: true
-            fillMode: Image.PreserveAspectCrop
-            layer.enabled: false
         }
     }
     Text {
