@@ -60,8 +60,6 @@ void TestZuviAPIClientVideo::detail_data()
     QTest::newRow("ok") << zuviJson({{"code", 0}, {"data", data}}) << "<b>标题</b>" << 0 << "";
     QTest::newRow("service code bare")
         << zuviJson({{"code", 62002}}) << "" << 62002 << "视频详情接口返回错误";
-    QTest::newRow("incomplete") << zuviJson({{"code", 0}, {"data", QJsonObject{{"bvid", "BV1d"}}}})
-                                << "" << 201 << "视频详情字段不完整";
 }
 
 void TestZuviAPIClientVideo::detail()
