@@ -17,8 +17,11 @@
 // user would drive it: every list, a video from detail to its bytes, the QR
 // login to a stored cookie, the signed-in actions and what they change, and
 // the fallbacks that recover from the service's failure switches. (What each
-// switch looks like on every screen is tst_zuvifailureswitches' part; how the
-// command line prints a failure, tst_oldzuvicli's.)
+// switch looks like on every screen, both danmaku sources down among them, is
+// tst_zuvifailureswitches' part; how the command line prints a failure,
+// tst_oldzuvicli's; the member on the profile, tst_zuviaccountendtoend's; the
+// web ranking signed in and the following feed, hot-e2e.sh's and
+// following-e2e.sh's in the app's window.)
 class TestZuviDemoEndToEnd : public QObject
 {
     Q_OBJECT
@@ -335,8 +338,6 @@ void TestZuviDemoEndToEnd::signedOutBehaviour()
     QVERIFY(history.exitCode != 0);
     QCOMPARE(history.error().value("code").toInt(), -101);
     QCOMPARE(history.error().value("message").toString(), QStringLiteral("账号未登录"));
-    // (The signed-out account check is tst_zuviaccountendtoend's first
-    // screen; a like without a session never leaves the client.)
     const Run following = cli({"following"});
     QCOMPARE(following.error().value("code").toInt(), -101);
     // The web ranking is for signed-in members only.
@@ -346,9 +347,6 @@ void TestZuviDemoEndToEnd::signedOutBehaviour()
 
 void TestZuviDemoEndToEnd::loginActionsAndTheirEffects()
 {
-    // The signed-in member as the profile shows it is tst_zuviaccountendtoend's;
-    // a region's web ranking signed in is hot-e2e.sh's and the ranking rows
-    // of tst_zuvifailureswitches.
     signIn();
     const ZuviDemoVideo &video = m_content->videos().at(77);
     const QString aid = QString::number(video.aid);
@@ -393,9 +391,6 @@ void TestZuviDemoEndToEnd::loginActionsAndTheirEffects()
     QCOMPARE(again.error().value("code").toInt(), -409);
     QCOMPARE(again.error().value("message").toString(), QStringLiteral("已经点过赞了"));
 
-    // The signed-in following feed, its five kinds of row and its paging by
-    // offset are following-e2e.sh's part, in the app's window.
-
     QCOMPARE(cli({"logout"}).exitCode, 0);
     QCOMPARE(cli({"nav"}).json.toObject().value("isLogin").toBool(true), false);
 }
@@ -415,8 +410,6 @@ void TestZuviDemoEndToEnd::retriesAndFallbacksRecover()
     const Run legacy = cli({"region-ranking", "--rid", "1005"});
     QCOMPARE(legacy.exitCode, 0);
     QVERIFY(!legacy.json.toArray().isEmpty());
-    // (Both danmaku sources down is the "video danmaku" rows of
-    // tst_zuvifailureswitches.)
 }
 
 QTEST_GUILESS_MAIN(TestZuviDemoEndToEnd)
