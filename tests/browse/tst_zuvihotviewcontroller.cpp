@@ -218,7 +218,6 @@ private slots:
             return new ZuviStandInViewController(title);
         });
         makeHot();
-        QCOMPARE(hot->stateView()->message(), QStringLiteral("正在获取全站热门榜单。"));
         QTRY_COMPARE(hot->videos().size(), 3);
         // The whole-site ranking is rid 0 on the route "all".
         const ZuviRecordedRequest all = service.server.requests(ranking).first();
