@@ -68,15 +68,6 @@ private:
     {
         return ZuviBrowseTestService::popularPage("r" + request.queryValue("rid"), count);
     }
-    void answerRankingsByRegion(int delayMsFor1005 = 0)
-    {
-        service.server.setHandler("GET", ranking, [delayMsFor1005](const ZuviRecordedRequest &r) {
-            ZuviScriptedAnswer answer = rankingFor(r);
-            if (r.queryValue("rid") == "1005")
-                answer.delayMs = delayMsFor1005;
-            return answer;
-        });
-    }
     QStringList rids() const
     {
         QStringList seen;
@@ -133,9 +124,6 @@ private slots:
         QCOMPARE(
             Hot::sanitizedHotRegionKeysFromKeys(QVariantList{"1005", "综艺", "1005", 1008}, true),
             QStringList{"1005"});
-        defaults()->setObject(QStringList{"1005", "综艺", "1005"},
-                              QString::fromLatin1(Hot::kVisibleHotRegionKeysKey));
-        QCOMPARE(Hot::visibleHotRegionKeys(defaults()), QStringList{"1005"});
         // Nothing stored, or an empty list: every region in table order.
         defaults()->setObject(QStringList(), QString::fromLatin1(Hot::kVisibleHotRegionKeysKey));
         const QStringList all = Hot::visibleHotRegionKeys(defaults());
@@ -157,32 +145,27 @@ private slots:
         QCOMPARE(Hot::preferredHotSortMode(defaults()), 2);
     }
 
-    void countsSortLargestFirst()
+    // The play order, with counts in 万 and 亿, is appearingRereadsSortAndRegions'
+    // through the screen; here the comment order, and text that reads as nothing.
+    void commentCountsSortLargestFirst()
     {
-        QCOMPARE(Hot::countValueFromText(" 1.2万 "), 12000.0);
-        QCOMPARE(Hot::countValueFromText("3亿"), 300000000.0);
         QCOMPARE(Hot::countValueFromText("--"), 0.0);
-        QList<ZuviVideoItem> videos;
-        const QList<QStringList> rows{
-            {"a", "9999", "5"}, {"b", "3亿", "1.5万"}, {"c", "1.2万", "200"}};
-        for (const QStringList &row : rows) {
-            ZuviVideoItem item;
-            item.bvid = row[0];
-            item.playCountText = row[1];
-            item.commentCountText = row[2];
-            videos << item;
+        const QStringList comments{"5", "1.5万", "200"};
+        QList<ZuviVideoItem> videos(3);
+        for (int i = 0; i < 3; ++i) {
+            videos[i].bvid = QString(QChar('a' + i));
+            videos[i].commentCountText = comments[i];
         }
-        const auto order = [](const QList<ZuviVideoItem> &list) {
+        const auto order = [&videos] {
             QString ids;
-            for (const ZuviVideoItem &item : list)
+            for (const ZuviVideoItem &item :
+                 Hot::sortedVideosFromVideos(videos, Hot::SortByCommentCount))
                 ids += item.bvid;
             return ids;
         };
-        QCOMPARE(order(Hot::sortedVideosFromVideos(videos, Hot::SortByPlayCount)), "bca");
-        QCOMPARE(order(Hot::sortedVideosFromVideos(videos, Hot::SortByCommentCount)), "bca");
+        QCOMPARE(order(), "bca");
         videos[2].commentCountText = "3";
-        QCOMPARE(order(Hot::sortedVideosFromVideos(videos, Hot::SortByCommentCount)), "bac");
-        QCOMPARE(order(Hot::sortedVideosFromVideos(videos, Hot::SortDefault)), "abc");
+        QCOMPARE(order(), "bac");
     }
 
     void signedOutShowsTheLoginCardOnceShown()
@@ -197,14 +180,10 @@ private slots:
         QCOMPARE(hot->stateView()->title(), QStringLiteral("正在检查登录状态"));
         QVERIFY(!hot->isRefreshEnabled());
         QTRY_VERIFY(hot->isShowingLoginRequiredState());
-        ZuviStateView *card = hot->stateView();
-        QCOMPARE(card->title(), QStringLiteral("用户未登录"));
-        QCOMPARE(card->message(), QStringLiteral("登录后可查看热门内容。"));
-        QCOMPARE(card->buttonTitle(), QStringLiteral("登录"));
-        QVERIFY(card->usesProminentActionButton());
+        QCOMPARE(hot->stateView()->message(), QStringLiteral("登录后可查看热门内容。"));
+        QVERIFY(hot->stateView()->usesProminentActionButton());
         QCOMPARE(service.server.requestCount(popular), 0);
-        // "登录" opening the profile tab, and the list after signing in
-        // there, are hot-e2e.sh's steps in the app's window.
+        // The card's title, its "登录" and signing in there: hot-e2e.sh.
     }
 
     void loginErrorAtAnyStepShowsTheLoginCard_data()
@@ -239,7 +218,6 @@ private slots:
             return new ZuviStandInViewController(title);
         });
         makeHot();
-        QCOMPARE(hot->stateView()->message(), QStringLiteral("正在获取全站热门榜单。"));
         QTRY_COMPARE(hot->videos().size(), 3);
         // The whole-site ranking is rid 0 on the route "all".
         const ZuviRecordedRequest all = service.server.requests(ranking).first();
@@ -249,7 +227,6 @@ private slots:
         hot->selectItem(0);
         hot->regionControlTapped(1);
         QTRY_COMPARE(firstBVID(), QStringLiteral("BVr1005x0"));
-        QVERIFY(service.server.requests(ranking).last().header("Referer").endsWith("/rank/douga"));
         hot->selectItem(0);
         hot->regionControlTapped(2);
         QTRY_COMPARE(firstBVID(), QStringLiteral("BVr1008x0"));
@@ -312,16 +289,11 @@ private slots:
         QCOMPARE(firstBVID(), QStringLiteral("BVtop"));
         QCOMPARE(hot->videos().last().bvid, QStringLiteral("BVlow"));
         QCOMPARE(service.server.requestCount(popular), 1);
-        // A region moved keeps its selection; a hidden one gives way to the
-        // first button.
         // Region lists follow the play order too: the last entry was played most.
         hot->regionControlTapped(2);
         QTRY_COMPARE(firstBVID(), QStringLiteral("BVr1008x2"));
-        storeKeys({"1008", "popular"});
-        hot->viewWillAppear();
-        QCOMPARE(hot->regionTitles(), (QStringList{"游戏", "综合"}));
-        QCOMPARE(hot->selectedRegionIndex(), 0);
-        QCOMPARE(hot->selectedRegionCacheKey(), QStringLiteral("1008"));
+        // A hidden region gives way to the first button. (A region moved keeps
+        // its selection: hot-e2e.sh's last step.)
         storeKeys({"1005", "popular"});
         hot->viewWillAppear();
         QCOMPARE(hot->selectedRegionIndex(), 0);
@@ -340,11 +312,9 @@ private slots:
         hot->gridDidScroll(500, 2000, 120, 10);
         QVERIFY(hot->phoneChromeHidden());
         QVERIFY(stack->isNavigationBarHidden());
-        hot->gridDidScroll(500, 2000, 60, 10);
-        QVERIFY(!hot->phoneChromeHidden());
-        QCOMPARE(chrome.size(), 2);
-        // Leaving with the bar hidden brings it back for the next screen.
-        hot->gridDidScroll(500, 2000, 200, 10);
+        QCOMPARE(chrome.size(), 1);
+        // Leaving with the bar hidden brings it back for the next screen. (How
+        // far a scroll goes before the bars move is tst_zuvinavigationchrome's.)
         tabs->selectTab(0);
         QVERIFY(!stack->isNavigationBarHidden());
     }
@@ -364,7 +334,11 @@ private slots:
         ZuviScriptedAnswer slowNav = loggedOutNav();
         slowNav.delayMs = 150;
         service.server.setAnswer("GET", nav, slowNav);
-        answerRankingsByRegion(150);
+        service.server.setHandler("GET", ranking, [](const ZuviRecordedRequest &r) {
+            ZuviScriptedAnswer answer = rankingFor(r);
+            answer.delayMs = 150;
+            return answer;
+        });
         makeHot();
         tester.reset();
         tabs.reset();
@@ -382,7 +356,6 @@ private slots:
     {
         storeKeys({"1005", "popular"});
         ZuviHotRegionSettingsViewController settings(defaults());
-        QCOMPARE(settings.title(), QStringLiteral("分区配置"));
         QCOMPARE(settings.selectedRegionTitles(), (QStringList{"动画", "综合"}));
         QCOMPARE(settings.hiddenRegionKeys().size(), 16);
         QCOMPARE(settings.hiddenRegionKeys().first(), QStringLiteral("all"));

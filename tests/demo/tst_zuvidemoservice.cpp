@@ -14,9 +14,9 @@
 // (which drives the lists, a video's detail and bytes, comments, the signed-in
 // actions and their effects and the failure switches through the client, all
 // matched against content built in its own process from the same seed) does
-// not reach: regions, search paging, the feed's addresses, Range answers,
+// not reach: regions, search paging, the feed's end, Range answers,
 // thumbnails, conditional configuration, the QR login's page and expiry, the
-// checks on writes, persistence and the switches' clock and clearing.
+// checks on writes, persistence and the switches' clearing.
 class TestZuviDemoService : public QObject
 {
     Q_OBJECT
@@ -27,7 +27,7 @@ private slots:
 
     void rankingFollowsRegion();
     void searchPagesToTheEnd();
-    void followingFeedFollowsTheServiceOrigin();
+    void followingFeedPagesToItsEnd();
     void mediaAnswersRanges_data();
     void mediaAnswersRanges();
     void thumbnailsAtTheAskedSize_data();
@@ -38,7 +38,6 @@ private slots:
     void writesAreChecked_data();
     void writesAreChecked();
     void stateSurvivesRestartWithDataDirectory();
-    void slowSwitchWaitsForTheClock();
     void limitedSwitchAndAdminClear();
 
 private:
@@ -140,7 +139,7 @@ void TestZuviDemoService::rankingFollowsRegion()
     // Asked as the web ranking page asks, a member must be signed in and come
     // from the region's own ranking page.
     const QString web = "/x/web-interface/ranking/v2?rid=1008&type=all&web_location=333.934";
-    // (Signed in, from the right page, is the end-to-end suite's web ranking.)
+    // (Signed in, from the right page, is hot-e2e.sh's choice of 动画.)
     signIn(*m_client);
     QCOMPARE(m_client->get(web, {{"Referer", "http://web.test/v/popular/rank/douga"}}).code(),
              -412);
@@ -167,54 +166,25 @@ void TestZuviDemoService::searchPagesToTheEnd()
              -400);
 }
 
-// Every address the feed hands out names the port the service really runs
-// on (not the default one) and answers, and the feed pages on by offset to
-// its end. (The kinds of post on a page are the end-to-end suite's.)
-void TestZuviDemoService::followingFeedFollowsTheServiceOrigin()
+// The feed pages on by offset, a full page at a time, until it says it has
+// no more. (The pictures its addresses name, on the port the service really
+// runs on, and the kinds of post are following-e2e.sh's.)
+void TestZuviDemoService::followingFeedPagesToItsEnd()
 {
     signIn(*m_client);
-    const QString origin = m_service->origin();
-    QVERIFY(!origin.endsWith(":8470"));
     QString offset;
     int pages = 0;
-    QStringList addresses;
-    const std::function<void(const QJsonValue &)> collect = [&](const QJsonValue &value) {
-        if (value.isString() && value.toString().startsWith("http"))
-            addresses << value.toString();
-        if (value.isObject()) {
-            const QJsonObject object = value.toObject();
-            for (auto it = object.begin(); it != object.end(); ++it)
-                collect(it.value());
-        } else if (value.isArray()) {
-            for (const QJsonValue &child : value.toArray())
-                collect(child);
-        } else if (value.isString() && value.toString().startsWith('{')) {
-            // The live card's content is JSON inside a string.
-            collect(QJsonDocument::fromJson(value.toString().toUtf8()).object());
-        }
-    };
     bool more = true;
     while (more) {
         const auto page = m_client->get("/x/polymer/web-dynamic/v1/feed/all?type=all&page=1" +
                                         (offset.isEmpty() ? QString() : "&offset=" + offset));
         QCOMPARE(page.code(), 0);
         QCOMPARE(page.data().value("items").toArray().size(), ZuviDemoContent::kFeedPageSize);
-        collect(page.data());
         offset = page.data().value("offset").toString();
         more = page.data().value("has_more").toBool();
         QVERIFY(++pages <= ZuviDemoContent::kFeedItemCount);
     }
     QVERIFY(pages >= 5);
-    QVERIFY(!addresses.isEmpty());
-    for (const QString &address : std::as_const(addresses))
-        QVERIFY2(address.startsWith(origin + "/"), qPrintable(address));
-    // A picture of each family among them is served.
-    for (const QString family : {"/img/face/", "/img/cover/", "/img/pic/"}) {
-        const auto found = std::find_if(addresses.cbegin(), addresses.cend(),
-                                        [&](const QString &a) { return a.contains(family); });
-        QVERIFY2(found != addresses.cend(), qPrintable(family));
-        QCOMPARE(m_client->get(found->mid(origin.size())).response.statusCode, 200);
-    }
 }
 
 void TestZuviDemoService::mediaAnswersRanges_data()
@@ -235,10 +205,7 @@ void TestZuviDemoService::mediaAnswersRanges()
     QFETCH(int, status);
     QFETCH(int, first);
     QFETCH(int, length);
-    ZuviHeaderPairs headers;
-    if (!range.isEmpty())
-        headers.append({"Range", range});
-    const auto result = m_client->get("/media/demo-a-480.mp4", headers);
+    const auto result = m_client->get("/media/demo-a-480.mp4", {{"Range", range}});
     QCOMPARE(result.response.statusCode, status);
     QCOMPARE(result.response.header("Accept-Ranges"), QByteArray("bytes"));
     if (status == 416) {
@@ -246,9 +213,8 @@ void TestZuviDemoService::mediaAnswersRanges()
         return;
     }
     QCOMPARE(result.response.body, m_clip.mid(first, length));
-    if (status == 206)
-        QCOMPARE(result.response.header("Content-Range"),
-                 QStringLiteral("bytes %1-%2/5000").arg(first).arg(first + length - 1).toLatin1());
+    QCOMPARE(result.response.header("Content-Range"),
+             QStringLiteral("bytes %1-%2/5000").arg(first).arg(first + length - 1).toLatin1());
 }
 
 void TestZuviDemoService::thumbnailsAtTheAskedSize_data()
@@ -257,7 +223,6 @@ void TestZuviDemoService::thumbnailsAtTheAskedSize_data()
     QTest::addColumn<QSize>("size");
     QTest::newRow("cover thumbnail")
         << "/img/cover/BV1abc.jpg@320w_180h_1c_80q.jpg" << QSize(320, 180);
-    QTest::newRow("full cover") << "/img/cover/BV1abc.jpg" << QSize(960, 540);
     QTest::newRow("clamped") << "/img/pic/x.jpg@9000w_10h_1c_80q.jpg"
                              << QSize(ZuviDemoImageRenderer::kMaxSide, 10);
     QTest::newRow("unknown kind") << "/img/other/x.jpg" << QSize();
@@ -288,10 +253,6 @@ void TestZuviDemoService::configurationRevalidates()
     const QJsonObject message = first.json().value("message").toObject();
     QCOMPARE(message.value("version").toInt(), 1);
     QVERIFY(!message.value("text").toString().isEmpty());
-    // The first message's picture is served by this service, on its own port.
-    const QString picture = message.value("image").toString();
-    QVERIFY2(picture.startsWith(m_service->origin() + "/img/pic/"), qPrintable(picture));
-    QCOMPARE(m_client->get(QUrl(picture).path()).response.statusCode, 200);
     const QByteArray etag = first.response.header("ETag");
     const QByteArray lastModified = first.response.header("Last-Modified");
     QVERIFY(!etag.isEmpty() && !lastModified.isEmpty());
@@ -306,22 +267,8 @@ void TestZuviDemoService::configurationRevalidates()
     QCOMPARE(m_client->get("/config/remote_config.json", {{"If-None-Match", "\"other\""}})
                  .response.statusCode,
              200);
-
-    QCOMPARE(m_client->post("/admin/announce", {{"text", "新版本上线"}, {"image", ""}})
-                 .data()
-                 .value("version")
-                 .toInt(),
-             2);
-    const auto changed =
-        m_client->get("/config/remote_config.json",
-                      {{"If-None-Match", etag}, {"If-Modified-Since", lastModified}});
-    QCOMPARE(changed.response.statusCode, 200);
-    QCOMPARE(changed.json().value("message").toObject().value("version").toInt(), 2);
-    QCOMPARE(changed.json().value("message").toObject().value("text").toString(),
-             QStringLiteral("新版本上线"));
-    QVERIFY(changed.response.header("ETag") != etag);
-    // The developer source keeps its own message.
-    QCOMPARE(messageVersion(*m_client, "/config/remote_config_dev.json"), 1);
+    // A new announcement answering 200 past the old validators, and the first
+    // message's picture on the service's own port, are messages-e2e.sh's.
 }
 
 void TestZuviDemoService::qrLoginWalksThroughItsStates()
@@ -367,9 +314,7 @@ void TestZuviDemoService::writesAreChecked_data()
     QTest::addColumn<int>("code");
     QTest::newRow("complete") << "" << 0;
     QTest::newRow("signed out") << "no session" << -101;
-    QTest::newRow("token missing from the form") << "no form token" << -403;
     QTest::newRow("token of another session") << "wrong token" << -403;
-    QTest::newRow("no device identity") << "no device" << -412;
     QTest::newRow("device never issued") << "forged device" << -412;
     QTest::newRow("GET") << "get" << -405;
 }
@@ -387,12 +332,8 @@ void TestZuviDemoService::writesAreChecked()
     ZuviCookieDictionary sent = cookies;
     if (breakage == "no session")
         sent.remove("SESSDATA");
-    if (breakage == "no form token")
-        form.remove("csrf");
     if (breakage == "wrong token")
         form["csrf"] = "0123456789abcdef0123456789abcdef";
-    if (breakage == "no device")
-        sent.remove("buvid3");
     if (breakage == "forged device")
         sent["buvid3"] = "ABCDEF-demo3";
     m_client->setCookie(ZuviAPIClient::cookieStringFromDictionary(sent));
@@ -426,33 +367,14 @@ void TestZuviDemoService::stateSurvivesRestartWithDataDirectory()
     const QJsonArray toView = again.get("/x/v2/history/toview/web").data().value("list").toArray();
     QCOMPARE(toView.first().toObject().value("bvid").toString(), video.bvid);
     QCOMPARE(messageVersion(again), 2);
+    // The developer source keeps its own message.
+    QCOMPARE(messageVersion(again, "/config/remote_config_dev.json"), 1);
     // A device identity issued before the restart is still accepted.
     QCOMPARE(again
                  .post("/x/web-interface/archive/like",
                        {{"aid", QString::number(video.aid)}, {"like", "1"}, {"csrf", csrf}})
                  .code(),
              0);
-}
-
-void TestZuviDemoService::slowSwitchWaitsForTheClock()
-{
-    m_service->failures().set("/x/web-interface/nav", [] {
-        ZuviDemoFailure failure;
-        failure.mode = ZuviDemoFailure::Slow;
-        failure.delayMs = 5000;
-        return failure;
-    }());
-    const auto pending = m_client->start("/x/web-interface/nav");
-    QTRY_COMPARE(m_scheduler->pendingCount(), 1);
-    m_scheduler->advance(4.9);
-    // Turn the loop without sleeping: nothing may be sent before the clock says so.
-    for (int i = 0; i < 50; ++i)
-        QCoreApplication::processEvents();
-    QVERIFY(!pending->done);
-    QCOMPARE(m_scheduler->pendingCount(), 1);
-    m_scheduler->advance(0.1);
-    QVERIFY(ZuviDemoTestClient::wait(pending));
-    QCOMPARE(pending->code(), -101);
 }
 
 void TestZuviDemoService::limitedSwitchAndAdminClear()

@@ -1,4 +1,4 @@
-#include "platform/zuvihttptransport.h"
+#include "../demo/zuvidemotestclient.h"
 #include "zuvidemocontent.h"
 
 #include <QDir>
@@ -11,12 +11,17 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <functional>
+
 // The demo service as a process on a free port, driven by oldzuvi-cli as a
 // user would drive it: every list, a video from detail to its bytes, the QR
 // login to a stored cookie, the signed-in actions and what they change, and
 // the fallbacks that recover from the service's failure switches. (What each
-// switch looks like on every screen is tst_zuvifailureswitches' part; how the
-// command line prints a failure, tst_oldzuvicli's.)
+// switch looks like on every screen, both danmaku sources down among them, is
+// tst_zuvifailureswitches' part; how the command line prints a failure,
+// tst_oldzuvicli's; the member on the profile, tst_zuviaccountendtoend's; the
+// web ranking signed in and the following feed, hot-e2e.sh's and
+// following-e2e.sh's in the app's window.)
 class TestZuviDemoEndToEnd : public QObject
 {
     Q_OBJECT
@@ -45,11 +50,22 @@ private:
         QJsonObject error() const { return json.toObject().value("error").toObject(); }
     };
 
-    Run cli(const QStringList &arguments, int timeoutMs = 60000);
-    Run demoCommand(const QStringList &arguments);
+    // Runs one of the built programs to its end and keeps what it printed.
+    static Run run(const char *program, const QStringList &arguments);
+    Run cli(const QStringList &arguments)
+    {
+        return run("oldzuvi-cli",
+                   QStringList{"--endpoints", m_endpoints, "--settings", m_settings} + arguments);
+    }
+    Run demoCommand(const QStringList &arguments)
+    {
+        return run("oldzuvi-demo-service",
+                   arguments + QStringList{"--port", QString::number(m_port)});
+    }
+    // The first video of the seeded content that matches.
+    const ZuviDemoVideo *findVideo(const std::function<bool(const ZuviDemoVideo &)> &matches) const;
     void setFailure(const QString &path, const QString &mode);
     void signIn();
-    QByteArray fetch(const QString &url, const QByteArray &range, int *status);
 
     static constexpr quint64 kSeed = 7;
     QTemporaryDir m_work;
@@ -91,21 +107,10 @@ void TestZuviDemoEndToEnd::initTestCase()
     QVERIFY2(QFile::exists(binary("oldzuvi-demo-service")), "build oldzuvi-demo-service first");
     QVERIFY2(QFile::exists(binary("oldzuvi-cli")), "build oldzuvi-cli first");
     m_content = std::make_unique<ZuviDemoContent>(kSeed);
-    // The real clips when ./run has made them; otherwise stand-in bytes, which
-    // are enough for addresses and Range answers.
+    // The clips ./run makes, as the other end-to-end suites use them.
     m_media = QStringLiteral(ZUVI_MEDIA_DIR);
-    if (!QFile::exists(QDir(m_media).filePath("demo-a-720.mp4"))) {
-        m_media = m_work.filePath("media");
-        QDir().mkpath(m_media);
-        for (const ZuviDemoClip &clip : ZuviDemoContent::clips()) {
-            for (int height : {360, 480, 720}) {
-                QFile file(
-                    QDir(m_media).filePath(QStringLiteral("%1-%2.mp4").arg(clip.name).arg(height)));
-                QVERIFY(file.open(QIODevice::WriteOnly));
-                file.write(QByteArray(64 * 1024, 'm'));
-            }
-        }
-    }
+    QVERIFY2(QFile::exists(QDir(m_media).filePath("demo-a-720.mp4")),
+             "make the clips first: demo/make-media.sh BUILD/media");
     m_endpoints = m_work.filePath("endpoints.json");
     m_service.setProgram(binary("oldzuvi-demo-service"));
     m_service.setArguments({"--port", "0", "--seed", QString::number(kSeed), "--media", m_media,
@@ -139,16 +144,16 @@ void TestZuviDemoEndToEnd::init()
     QCOMPARE(demoCommand({"fail", "off"}).exitCode, 0);
 }
 
-TestZuviDemoEndToEnd::Run TestZuviDemoEndToEnd::cli(const QStringList &arguments, int timeoutMs)
+TestZuviDemoEndToEnd::Run TestZuviDemoEndToEnd::run(const char *program,
+                                                    const QStringList &arguments)
 {
     QProcess process;
-    process.start(binary("oldzuvi-cli"),
-                  QStringList{"--endpoints", m_endpoints, "--settings", m_settings} + arguments);
-    Run run;
-    if (!process.waitForFinished(timeoutMs)) {
+    process.start(binary(program), arguments);
+    if (!process.waitForFinished(60000)) {
         process.kill();
         process.waitForFinished();
     }
+    Run run;
     run.exitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
     run.out = process.readAllStandardOutput();
     run.err = process.readAllStandardError();
@@ -156,42 +161,20 @@ TestZuviDemoEndToEnd::Run TestZuviDemoEndToEnd::cli(const QStringList &arguments
     return run;
 }
 
-TestZuviDemoEndToEnd::Run TestZuviDemoEndToEnd::demoCommand(const QStringList &arguments)
+const ZuviDemoVideo *
+TestZuviDemoEndToEnd::findVideo(const std::function<bool(const ZuviDemoVideo &)> &matches) const
 {
-    QProcess process;
-    process.start(binary("oldzuvi-demo-service"),
-                  arguments + QStringList{"--port", QString::number(m_port)});
-    Run run;
-    process.waitForFinished(20000);
-    run.exitCode = process.exitCode();
-    run.out = process.readAllStandardOutput();
-    run.err = process.readAllStandardError();
-    run.json = finalDocument(run.out);
-    return run;
+    for (const ZuviDemoVideo &candidate : m_content->videos()) {
+        if (matches(candidate))
+            return &candidate;
+    }
+    return nullptr;
 }
 
 void TestZuviDemoEndToEnd::setFailure(const QString &path, const QString &mode)
 {
     const Run run = demoCommand({"fail", path, mode});
     QVERIFY2(run.exitCode == 0, run.err.constData());
-}
-
-QByteArray TestZuviDemoEndToEnd::fetch(const QString &url, const QByteArray &range, int *status)
-{
-    ZuviHTTPTransport transport;
-    ZuviURLRequest request;
-    request.url = QUrl(url);
-    if (!range.isEmpty())
-        request.setHeader("Range", range);
-    QEventLoop loop;
-    ZuviHTTPResponse response;
-    transport.send(request, [&](const ZuviHTTPResponse &r, const ZuviError &) {
-        response = r;
-        QMetaObject::invokeMethod(&loop, "quit", Qt::QueuedConnection);
-    });
-    loop.exec();
-    *status = response.statusCode;
-    return response.body;
 }
 
 void TestZuviDemoEndToEnd::signIn()
@@ -252,13 +235,9 @@ void TestZuviDemoEndToEnd::everyListAnswers()
 
 void TestZuviDemoEndToEnd::videoFromDetailToBytes()
 {
-    const ZuviDemoVideo *video = nullptr;
-    for (const ZuviDemoVideo &candidate : m_content->videos()) {
-        if (candidate.playKind == ZuviDemoPlayKind::Progressive && candidate.pages.size() > 1) {
-            video = &candidate;
-            break;
-        }
-    }
+    const ZuviDemoVideo *video = findVideo([](const ZuviDemoVideo &candidate) {
+        return candidate.playKind == ZuviDemoPlayKind::Progressive && candidate.pages.size() > 1;
+    });
     QVERIFY(video);
     const Run detail = cli({"detail", "--bvid", video->bvid});
     QCOMPARE(detail.exitCode, 0);
@@ -275,29 +254,24 @@ void TestZuviDemoEndToEnd::videoFromDetailToBytes()
     QCOMPARE(play.json.toObject().value("quality").toInt(), 64);
     const QString url = play.json.toObject().value("url").toString();
     QVERIFY(url.endsWith("-720.mp4"));
-    int status = 0;
-    const QByteArray whole = fetch(url, QByteArray(), &status);
-    QCOMPARE(status, 200);
-    const QByteArray part = fetch(url, "bytes=1000-1999", &status);
-    QCOMPARE(status, 206);
-    QCOMPARE(part, whole.mid(1000, 1000));
-    // The cover the list shows comes at the thumbnail size the client asks for.
-    const QByteArray thumbnail = fetch(
-        object.value("coverURLString").toString() + "@320w_180h_1c_80q.jpg", QByteArray(), &status);
-    QCOMPARE(status, 200);
-    QVERIFY(thumbnail.startsWith("\xFF\xD8"));
+    const QUrl address(url);
+    ZuviDemoTestClient media(quint16(address.port()));
+    const QString path = address.toString(QUrl::RemoveScheme | QUrl::RemoveAuthority);
+    const auto whole = media.get(path);
+    QCOMPARE(whole.response.statusCode, 200);
+    const auto part = media.get(path, {{"Range", "bytes=1000-1999"}});
+    QCOMPARE(part.response.statusCode, 206);
+    QCOMPARE(part.response.body, whole.response.body.mid(1000, 1000));
 }
 
 void TestZuviDemoEndToEnd::qualityWalkAndSegmentedDiagnosis()
 {
-    const ZuviDemoVideo *walk = nullptr;
-    const ZuviDemoVideo *segmented = nullptr;
-    for (const ZuviDemoVideo &candidate : m_content->videos()) {
-        if (!walk && candidate.playKind == ZuviDemoPlayKind::DashAtBest)
-            walk = &candidate;
-        if (!segmented && candidate.playKind == ZuviDemoPlayKind::SegmentedOnly)
-            segmented = &candidate;
-    }
+    const auto ofKind = [this](ZuviDemoPlayKind kind) {
+        return findVideo(
+            [kind](const ZuviDemoVideo &candidate) { return candidate.playKind == kind; });
+    };
+    const ZuviDemoVideo *walk = ofKind(ZuviDemoPlayKind::DashAtBest);
+    const ZuviDemoVideo *segmented = ofKind(ZuviDemoPlayKind::SegmentedOnly);
     QVERIFY(walk && segmented);
     const Run stepped =
         cli({"playurl", "--bvid", walk->bvid, "--cid", QString::number(walk->pages.first().cid)});
@@ -326,36 +300,22 @@ void TestZuviDemoEndToEnd::danmakuAndItsFallback()
     QCOMPARE(summary.exitCode, 0);
     QCOMPARE(summary.json.toObject().value("count").toInt(), dense->danmakuDocumentSize);
     QVERIFY(summary.json.toObject().value("modes").toObject().size() >= 5);
+    // (The order by time and the size bounds of what is read are the XML
+    // reader suite's, on generated documents.)
 
-    const Run items = cli({"danmaku", "--cid", cid});
-    const QJsonArray list = items.json.toArray();
-    QCOMPARE(list.size(), dense->danmakuDocumentSize);
-    double last = -1;
-    for (const QJsonValue &value : list) {
-        const QJsonObject item = value.toObject();
-        QVERIFY(item.value("time").toDouble() >= last); // sorted by time
-        last = item.value("time").toDouble();
-        QVERIFY(item.value("fontSize").toDouble() >= 13 && item.value("fontSize").toDouble() <= 20);
-    }
-
-    // A broken primary document sends the client to the older source.
+    // A broken primary document sends the client to the older source, which
+    // serves the whole document too.
     setFailure("/x/v1/dm/list.so", "broken");
-    const Run fallback = cli({"--developer-mode", "danmaku", "--cid", cid, "--summary"});
+    const Run fallback = cli({"danmaku", "--cid", cid, "--summary"});
     QCOMPARE(fallback.exitCode, 0);
     QCOMPARE(fallback.json.toObject().value("count").toInt(), dense->danmakuDocumentSize);
-    QVERIFY2(fallback.err.contains("主接口解析失败") && fallback.err.contains("兜底成功"),
-             fallback.err.constData());
 }
 
 void TestZuviDemoEndToEnd::commentsPageThrough()
 {
-    const ZuviDemoVideo *video = nullptr;
-    for (const ZuviDemoVideo &candidate : m_content->videos()) {
-        if (candidate.commentTotal > 45 && candidate.commentTotal < 60) {
-            video = &candidate;
-            break;
-        }
-    }
+    const ZuviDemoVideo *video = findVideo([](const ZuviDemoVideo &candidate) {
+        return candidate.commentTotal > 45 && candidate.commentTotal < 60;
+    });
     QVERIFY(video);
     QStringList messages;
     for (int page = 1; page <= 4; ++page) {
@@ -378,11 +338,6 @@ void TestZuviDemoEndToEnd::signedOutBehaviour()
     QVERIFY(history.exitCode != 0);
     QCOMPARE(history.error().value("code").toInt(), -101);
     QCOMPARE(history.error().value("message").toString(), QStringLiteral("账号未登录"));
-    const Run nav = cli({"nav"});
-    QCOMPARE(nav.exitCode, 0);
-    QCOMPARE(nav.json.toObject().value("isLogin").toBool(true), false);
-    const Run like = cli({"like", "--aid", QString::number(m_content->videos().at(0).aid)});
-    QCOMPARE(like.error().value("code").toInt(), 741);
     const Run following = cli({"following"});
     QCOMPARE(following.error().value("code").toInt(), -101);
     // The web ranking is for signed-in members only.
@@ -393,21 +348,6 @@ void TestZuviDemoEndToEnd::signedOutBehaviour()
 void TestZuviDemoEndToEnd::loginActionsAndTheirEffects()
 {
     signIn();
-    const Run nav = cli({"nav"});
-    QCOMPARE(nav.json.toObject().value("isLogin").toBool(), true);
-    QCOMPARE(qint64(nav.json.toObject().value("mid").toDouble()), ZuviDemoContent::kDemoMID);
-    QCOMPARE(nav.json.toObject().value("userName").toString(), QStringLiteral("演示用户"));
-    QVERIFY(nav.json.toObject().value("followerText").toString().startsWith("粉丝 "));
-
-    // Signed in, every region's web ranking answers with its own list; the
-    // whole-site one fills the page.
-    const Run all = cli({"ranking", "--rid", "0", "--route", "all", "--page-size", "50"});
-    QCOMPARE(all.json.toArray().size(), 50);
-    const Run douga = cli({"ranking", "--rid", "1005", "--route", "douga", "--page-size", "30"});
-    const Run game = cli({"ranking", "--rid", "1008", "--route", "game", "--page-size", "30"});
-    QVERIFY2(!douga.json.toArray().isEmpty(), douga.out.constData());
-    QVERIFY(douga.json.toArray().first() != game.json.toArray().first());
-
     const ZuviDemoVideo &video = m_content->videos().at(77);
     const QString aid = QString::number(video.aid);
     const QString cid = QString::number(video.pages.first().cid);
@@ -451,9 +391,6 @@ void TestZuviDemoEndToEnd::loginActionsAndTheirEffects()
     QCOMPARE(again.error().value("code").toInt(), -409);
     QCOMPARE(again.error().value("message").toString(), QStringLiteral("已经点过赞了"));
 
-    // The signed-in following feed, its five kinds of row and its paging by
-    // offset are following-e2e.sh's part, in the app's window.
-
     QCOMPARE(cli({"logout"}).exitCode, 0);
     QCOMPARE(cli({"nav"}).json.toObject().value("isLogin").toBool(true), false);
 }
@@ -473,13 +410,6 @@ void TestZuviDemoEndToEnd::retriesAndFallbacksRecover()
     const Run legacy = cli({"region-ranking", "--rid", "1005"});
     QCOMPARE(legacy.exitCode, 0);
     QVERIFY(!legacy.json.toArray().isEmpty());
-    // Both danmaku sources down: the error of the second is reported.
-    setFailure("/x/v1/dm/list.so", "drop");
-    setFailure("/{cid}.xml", "code:-500");
-    const Run none =
-        cli({"danmaku", "--cid", QString::number(m_content->videos().at(0).pages.first().cid)});
-    QVERIFY(none.exitCode != 0);
-    QVERIFY(!none.error().isEmpty());
 }
 
 QTEST_GUILESS_MAIN(TestZuviDemoEndToEnd)
