@@ -9,11 +9,8 @@ Rectangle {
     id: page
 
     required property ZuviHotViewController controller
-    // While a pushed screen covers the page (a video playing over the list),
-    // its cards let go of their pictures: a covered page would otherwise
-    // keep a texture per card for as long as the video plays. The decoded
-    // pictures stay in the image loader's cache, so they are back as the
-    // page slides in again.
+    // Covered by a pushed screen, the cards let go of their pictures, as the
+    // recommended grid's do.
     readonly property bool coversShown: StackView.view === null
                                         || StackView.status !== StackView.Inactive
     readonly property var gridLayout: controller.layoutForWidth(width)
