@@ -25,7 +25,9 @@
 namespace {
 using Context = ZuviScreenshotScenario::Context;
 
-// Settings as the profile tab opens it.
+// Settings as the profile tab opens it, on the process-wide services: the
+// shell here runs without the configuration service, and the settings'
+// developer screens need it.
 ZuviSettingsViewController *pushSettings(const Context &context)
 {
     ZuviTabBarController *tabs = context.delegate->rootTabBarController();
@@ -33,7 +35,6 @@ ZuviSettingsViewController *pushSettings(const Context &context)
     auto *settings = new ZuviSettingsViewController(ZuviSettingsViewController::sharedServices());
     settings->setHidesBottomBarWhenPushed(true);
     tabs->viewControllerAt(3)->pushViewController(settings, false);
-    settings->viewWillAppear();
     return settings;
 }
 
