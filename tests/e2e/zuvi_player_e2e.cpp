@@ -22,6 +22,7 @@
 #include "browse/zuvivideoscreenopener.h"
 #include "danmaku/zuvidanmakuoverlayview.h"
 #include "notifications/zuviremotemessageoverlayview.h"
+#include "notifications/zuviremotenotificationpresenter.h"
 #include "player/zuvigstreamertuning.h"
 #include "zuvie2edriver.h"
 
@@ -163,15 +164,14 @@ int main(int argc, char **argv)
         if (measure > 0) {
             // The viewer reads the operator's welcome message and closes it,
             // as anyone would before watching: a dimmed cover left over the
-            // playing picture would be measured as the screen's cost.
+            // playing picture would be measured as the screen's cost. The
+            // presenter is asked, not the window's items, so the check costs
+            // the measured process nothing.
             auto *closer = new QTimer(c);
-            QObject::connect(closer, &QTimer::timeout, c, [window] {
-                const auto cards =
-                    window->contentItem()->findChildren<ZuviRemoteMessageOverlayView *>();
-                for (ZuviRemoteMessageOverlayView *card : cards) {
-                    if (card->isVisible())
-                        card->dismissButtonTapped();
-                }
+            QObject::connect(closer, &QTimer::timeout, c, [presenter = shell.services.presenter] {
+                if (ZuviRemoteMessageOverlayView *card =
+                        presenter ? presenter->currentOverlayView() : nullptr)
+                    card->dismissButtonTapped();
             });
             closer->start(250);
             // As if the viewer kept a menu open: what the controls cost when
