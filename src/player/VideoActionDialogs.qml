@@ -11,8 +11,6 @@ Item {
     id: dialogs
 
     required property ZuviVideoActions actions
-    readonly property Dialog inputDialog: inputLoader.item ? inputLoader.item.dialog : null
-    readonly property Dialog resultDialog: resultLoader.item ? resultLoader.item.dialog : null
 
     anchors.fill: parent
 
@@ -33,8 +31,6 @@ Item {
         anchors.fill: parent
         active: false
         sourceComponent: Item {
-            readonly property alias dialog: input
-
             function ask(title, placeholder, tag) {
                 input.title = title
                 input.tag = tag
@@ -79,8 +75,6 @@ Item {
         anchors.fill: parent
         active: false
         sourceComponent: Item {
-            readonly property alias dialog: result
-
             function show(title, message) {
                 result.title = title
                 resultText.text = message
