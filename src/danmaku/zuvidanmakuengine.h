@@ -80,7 +80,6 @@ public:
     bool isDanmakuEnabled() const { return m_enabled; }
     void setDanmakuEnabled(bool enabled);
     // Whether the view is hidden by its owner; a hidden overlay only records time.
-    bool isHidden() const { return m_hidden; }
     void setHidden(bool hidden) { m_hidden = hidden; }
 
     // The items shown: the list given, through the viewer's filters (the
@@ -141,7 +140,6 @@ public:
     int nextItemIndex() const { return m_nextItemIndex; }
     double lastPlaybackTime() const { return m_lastPlaybackTime; }
     QSizeF lastLayoutSize() const { return m_lastLayoutSize; }
-    int animationToken() const { return m_animationToken; }
     // Continues the token sequence from a given value (the next token follows it).
     void setAnimationToken(int token) { m_animationToken = token; }
     const std::vector<double> &scrollLaneAvailableTimes() const
@@ -157,8 +155,6 @@ public:
         return m_lanes.availableTimes(ZuviDanmakuLanes::Bottom);
     }
     int nextScrollLaneIndex() const { return m_lanes.nextIndex(ZuviDanmakuLanes::Scroll); }
-    int nextTopLaneIndex() const { return m_lanes.nextIndex(ZuviDanmakuLanes::Top); }
-    int nextBottomLaneIndex() const { return m_lanes.nextIndex(ZuviDanmakuLanes::Bottom); }
     const Counters &counters() const { return m_counters; }
 
     // --- Metrics for the current size and idiom ----------------------------

@@ -92,7 +92,6 @@ signals:
 
 private:
     bool hasVideo() const { return !m_bvid.isEmpty() || m_aid > 0; }
-    void setCommentsStatus(const QString &text);
 
     ZuviAPIClient *m_client;
     qint64 m_aid = 0;
