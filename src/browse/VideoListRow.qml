@@ -15,6 +15,9 @@ Item {
     required property color placeholderColor
     // A screen may hold the cover back (the video screen does until its movie plays).
     property bool coverAllowed: true
+    // The video screen's side list shows its covers small and asks for the
+    // low-quality thumbnail; the browsing lists ask for the normal one.
+    property bool lowQualityCover: false
     signal tapped()
 
     readonly property real coverWidth: {
@@ -56,7 +59,9 @@ Item {
             asynchronous: true
             fillMode: Image.PreserveAspectCrop
             sourceSize.width: 260
-            source: row.coverAllowed ? ZuviCoverSource.sourceForURL(row.coverURL) : ""
+            source: !row.coverAllowed ? ""
+                    : row.lowQualityCover ? ZuviCoverSource.lowQualitySourceForURL(row.coverURL)
+                                          : ZuviCoverSource.sourceForURL(row.coverURL)
         }
         Rectangle {
             visible: row.durationText.length > 0

@@ -12,3 +12,10 @@ QUrl ZuviCoverSource::sourceForURL(const QString &urlString)
     // memory cache and the full-size fallback.
     return QUrl(ZuviImageProvider::sourceURL(QStringLiteral("normal"), urlString));
 }
+
+QUrl ZuviCoverSource::lowQualitySourceForURL(const QString &urlString)
+{
+    if (urlString.isEmpty())
+        return {};
+    return QUrl(ZuviImageProvider::sourceURL(QStringLiteral("low"), urlString));
+}

@@ -18,4 +18,7 @@ public:
 
     // An empty address gives an empty source (the card keeps its placeholder).
     Q_INVOKABLE static QUrl sourceForURL(const QString &urlString);
+    // The small, cheap cover (160 × 90) that the video screen's side lists
+    // show: a quarter of the pixels, in memory and on the wire.
+    Q_INVOKABLE static QUrl lowQualitySourceForURL(const QString &urlString);
 };

@@ -82,6 +82,7 @@ Item {
             width: ListView.view.width
             height: 92
             coverAllowed: pane.side.relatedImagesAllowed
+            lowQualityCover: true
             onTapped: pane.controller.relatedVideoTapped(index)
         }
     }

@@ -1,4 +1,6 @@
 #include "danmaku/zuvidanmakuoverlayview.h"
+#include "images/zuviimageloader.h"
+#include "images/zuviimageprovider.h"
 #include "platform/zuvidefaults.h"
 #include "platform/zuviendpoints.h"
 #include "player/zuvivideoplayerviewcontroller.h"
@@ -55,6 +57,16 @@ void TestVideoPlayerPage::initTestCase()
         "*", "/x/v1/dm/list.so",
         ZuviScriptedAnswer::text("<i><d p=\"1,1,25,16777215\">好</d></i>", "text/xml"));
     m_server.setAnswer("*", "/missing.mp4", ZuviScriptedAnswer::text("no", "text/plain", 404));
+    const QJsonObject related{{"bvid", "BV1rel"},
+                              {"aid", 8},
+                              {"cid", 80},
+                              {"title", "相关视频"},
+                              {"owner", QJsonObject{{"name", "UP"}}},
+                              {"pic", m_server.urlString("/cover.jpg")}};
+    m_server.setAnswer(
+        "*", "/x/web-interface/archive/related",
+        ZuviScriptedAnswer::json(
+            QJsonDocument(QJsonObject{{"code", 0}, {"data", QJsonArray{related}}}).toJson()));
 }
 
 void TestVideoPlayerPage::pageShowsPlayerErrorAndForwardsKeys()
@@ -64,6 +76,8 @@ void TestVideoPlayerPage::pageShowsPlayerErrorAndForwardsKeys()
     QQmlApplicationEngine engine;
     // Qt 6.4 keeps the module's qmldir under :/Zuvi/, outside the default paths.
     engine.addImportPath(QStringLiteral("qrc:/"));
+    engine.addImageProvider(QString::fromLatin1(ZuviImageProvider::kProviderId),
+                            new ZuviImageProvider(ZuviImageLoader::sharedLoader()));
     ZuviVideoItem item;
     item.bvid = QStringLiteral("BV1page");
     item.aid = 7;
@@ -118,6 +132,10 @@ void TestVideoPlayerPage::pageShowsPlayerErrorAndForwardsKeys()
     QCOMPARE(c->stateText(), QStringLiteral("播放器无法打开当前 MP4 地址"));
     QCOMPARE(c->retryTitle(), QStringLiteral("重试播放"));
     QCOMPARE(c->videoTitle(), QStringLiteral("页面测试"));
+    // The error lets the related covers load, and the side list asks for
+    // the small, low-quality thumbnail.
+    QTRY_COMPARE_WITH_TIMEOUT(m_server.requestCount("/cover.jpg@160w_90h_1c_60q.jpg"), 1, 10000);
+    QCOMPARE(m_server.requestCount("/cover.jpg@320w_180h_1c_80q.jpg"), 0);
 
     // D switches the danmaku off and stores the choice; D again turns them on.
     window->requestActivate();
