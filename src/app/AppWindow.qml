@@ -44,9 +44,12 @@ Window {
         visible: !window.bottomBarHidden && window.tabs.tabBarVisible
     }
 
+    // The key card is made while it is open: it holds a text for every key
+    // of the application, which nobody reads the rest of the time.
     Loader {
         anchors.fill: parent
         active: window.appDelegate.keyboardShortcuts !== null
+                && window.appDelegate.keyboardShortcuts.helpVisible
         sourceComponent: KeyboardHelpOverlay {
             shortcuts: window.appDelegate.keyboardShortcuts
         }
