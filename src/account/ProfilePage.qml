@@ -21,11 +21,10 @@ Rectangle {
         navigation: page.controller.navigationController
         title: page.controller.title
         leftContent: [
-            Text {
+            RaisedText {
                 text: page.controller.brandText
                 color: "white"
-                style: Text.Raised
-                styleColor: Qt.rgba(0, 0, 0, 0.2)
+                shadowColor: Qt.rgba(0, 0, 0, 0.2)
                 font.pixelSize: 20
                 font.bold: true
             }

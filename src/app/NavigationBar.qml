@@ -77,13 +77,12 @@ Item {
             }
         }
 
-        Text {
+        RaisedText {
             visible: centerSlot.children.length === 0
             anchors.centerIn: parent
             text: bar.title
             color: "white"
-            style: Text.Raised
-            styleColor: Qt.rgba(0, 0, 0, 0.25)
+            shadowColor: Qt.rgba(0, 0, 0, 0.25)
             font.pixelSize: 20
             font.bold: true
         }

@@ -54,7 +54,7 @@ Rectangle {
                                                               : page.controller.hiddenRegionTitles
                     width: sections.width
 
-                    Text {
+                    RaisedText {
                         width: parent.width
                         height: page.sectionGap
                         leftPadding: 10
@@ -64,8 +64,7 @@ Rectangle {
                         color: Qt.rgba(0.30, 0.34, 0.42, 1)
                         font.pixelSize: 16
                         font.bold: true
-                        style: Text.Raised
-                        styleColor: "white"
+                        shadowColor: "white"
                     }
 
                     Rectangle {

@@ -3,8 +3,8 @@
 #include "zuvidanmakudensity.h"
 #include "zuvidanmakuoverlayview.h"
 
-#include <QSGFlatColorMaterial>
 #include <QSGGeometryNode>
+#include <QSGVertexColorMaterial>
 
 #include <algorithm>
 
@@ -106,7 +106,10 @@ void ZuviDanmakuDensityGraph::geometryChange(const QRectF &newGeometry, const QR
 }
 
 // One triangle strip: for every slice a point on the baseline and one at
-// its count's height, at the slice's middle, closed at both ends.
+// its count's height, at the slice's middle, closed at both ends. The colour
+// rides on the vertices: the window's rectangles already draw with that
+// material, and under a software renderer every further kind of material is
+// a shader program compiled and kept for the life of the process.
 QSGNode *ZuviDanmakuDensityGraph::updatePaintNode(QSGNode *oldNode, UpdatePaintNodeData *)
 {
     auto *node = static_cast<QSGGeometryNode *>(oldNode);
@@ -118,32 +121,38 @@ QSGNode *ZuviDanmakuDensityGraph::updatePaintNode(QSGNode *oldNode, UpdatePaintN
         return node;
     if (!node) {
         node = new QSGGeometryNode;
-        auto *geometry = new QSGGeometry(QSGGeometry::defaultAttributes_Point2D(), 0);
+        auto *geometry = new QSGGeometry(QSGGeometry::defaultAttributes_ColoredPoint2D(), 0);
         geometry->setDrawingMode(QSGGeometry::DrawTriangleStrip);
         node->setGeometry(geometry);
         node->setFlag(QSGNode::OwnsGeometry);
-        node->setMaterial(new QSGFlatColorMaterial);
+        node->setMaterial(new QSGVertexColorMaterial);
         node->setFlag(QSGNode::OwnsMaterial);
     }
-    static_cast<QSGFlatColorMaterial *>(node->material())->setColor(m_color);
 
     const int slices = int(m_counts.size());
     const float peak = float(*std::max_element(m_counts.begin(), m_counts.end()));
     const float w = float(width());
     const float h = float(height());
+    // The material blends premultiplied colours.
+    const QColor c = m_color.toRgb();
+    const float a = float(c.alphaF());
+    const auto channel = [a](float v) { return uchar(qRound(v * a * 255.0f)); };
+    const uchar r = channel(float(c.redF())), g = channel(float(c.greenF())),
+                b = channel(float(c.blueF())), alpha = uchar(qRound(a * 255.0f));
     QSGGeometry *geometry = node->geometry();
     geometry->allocate(2 * (slices + 2));
-    QSGGeometry::Point2D *points = geometry->vertexDataAsPoint2D();
+    QSGGeometry::ColoredPoint2D *points = geometry->vertexDataAsColoredPoint2D();
+    const auto put = [&](int index, float x, float y) { points[index].set(x, y, r, g, b, alpha); };
     const auto top = [&](int slice) { return h - h * float(m_counts[slice]) / peak; };
-    points[0].set(0, h);
-    points[1].set(0, top(0));
+    put(0, 0, h);
+    put(1, 0, top(0));
     for (int i = 0; i < slices; ++i) {
         const float x = w * (float(i) + 0.5f) / float(slices);
-        points[2 * i + 2].set(x, h);
-        points[2 * i + 3].set(x, top(i));
+        put(2 * i + 2, x, h);
+        put(2 * i + 3, x, top(i));
     }
-    points[2 * slices + 2].set(w, h);
-    points[2 * slices + 3].set(w, top(slices - 1));
+    put(2 * slices + 2, w, h);
+    put(2 * slices + 3, w, top(slices - 1));
     node->markDirty(QSGNode::DirtyGeometry | QSGNode::DirtyMaterial);
     m_geometryDirty = false;
     ++m_geometryBuilds;
