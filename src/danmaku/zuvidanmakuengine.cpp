@@ -59,11 +59,6 @@ void ZuviDanmakuEngine::setTextMeasurer(TextMeasurer measurer)
         measurer ? std::move(measurer) : TextMeasurer(ZuviDanmakuLabelPainter::measureText);
 }
 
-void ZuviDanmakuEngine::setLabelConfiguredHook(LabelConfiguredHook hook)
-{
-    m_configuredHook = std::move(hook);
-}
-
 double ZuviDanmakuEngine::now() const
 {
     return m_clock();
@@ -307,8 +302,6 @@ void ZuviDanmakuEngine::launchScrollingDanmakuItem(const ZuviDanmakuItem &item, 
     ZuviDanmakuLabel *label = configuredLabelForItem(item);
     const qreal width = m_viewSize.width();
     label->size = sizeForLabel(*label, maximumWidthFactor * width);
-    if (m_configuredHook)
-        m_configuredHook(*label);
     const qreal pitch = lanePitch();
     const qreal y =
         lane * pitch + topInset + randomVerticalOffsetForLaneHeight(pitch, label->size.height());
@@ -345,8 +338,6 @@ void ZuviDanmakuEngine::launchFixedDanmakuItem(const ZuviDanmakuItem &item, doub
     ZuviDanmakuLabel *label = configuredLabelForItem(item);
     const QSizeF viewSize = m_viewSize;
     label->size = sizeForLabel(*label, maximumWidthFactor * viewSize.width());
-    if (m_configuredHook)
-        m_configuredHook(*label);
     const qreal x = std::floor((viewSize.width() - label->size.width()) * 0.5);
     const qreal pitch = lanePitch();
     const qreal offset = randomVerticalOffsetForLaneHeight(pitch, label->size.height());
@@ -457,7 +448,6 @@ ZuviDanmakuEngine::LabelPtr ZuviDanmakuEngine::dequeueLabel()
 void ZuviDanmakuEngine::recycleLabel(LabelPtr label)
 {
     label->text.clear();
-    label->image = QImage();
     label->alpha = 1;
     label->origin = QPointF();
     label->size = QSizeF();

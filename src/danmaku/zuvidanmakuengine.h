@@ -36,9 +36,6 @@ public:
     using RandomSource = std::function<quint32(quint32 bound)>;
     // The size of text set on one line in the bold danmaku font of that size.
     using TextMeasurer = std::function<QSizeF(const QString &text, qreal fontSize)>;
-    // Called once for every label configured for a new flight, once its text,
-    // colour and size are set (the overlay rasterises the text here).
-    using LabelConfiguredHook = std::function<void(ZuviDanmakuLabel &label)>;
 
     static constexpr qreal laneHeight = 23;
     static constexpr qreal topInset = 8;
@@ -74,7 +71,6 @@ public:
     void setFlightClock(FlightClock clock);
     void setRandomSource(RandomSource random);
     void setTextMeasurer(TextMeasurer measurer);
-    void setLabelConfiguredHook(LabelConfiguredHook hook);
 
     // --- The overlay's interface -------------------------------------------
     bool isDanmakuEnabled() const { return m_enabled; }
@@ -211,7 +207,6 @@ private:
     FlightClock m_clock;
     RandomSource m_random;
     TextMeasurer m_measurer;
-    LabelConfiguredHook m_configuredHook;
 
     bool m_enabled = true;
     bool m_hidden = false;

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QImage>
 #include <QPointF>
 #include <QRgb>
 #include <QSizeF>
@@ -20,7 +19,6 @@ struct ZuviDanmakuLabel {
     QString text;
     qreal fontSize = 16;
     QRgb color = 0xFFFFFFFF; // 0xAARRGGBB, already made readable
-    QImage image;            // the text rasterised once per configuration (may be null)
     quint64 serial = 0;      // changes with every configuration; 0 = never configured
 
     // Frame and opacity at the start of the flight.

@@ -21,9 +21,6 @@ ZuviDanmakuOverlayView::ZuviDanmakuOverlayView(QQuickItem *parent) : QQuickItem(
     setClip(true);
     setAcceptedMouseButtons(Qt::NoButton);
     setAcceptTouchEvents(false);
-    m_engine.setLabelConfiguredHook([this](ZuviDanmakuLabel &label) {
-        label.image = ZuviDanmakuLabelPainter::rasterise(label, m_devicePixelRatio);
-    });
 }
 
 ZuviDanmakuOverlayView::~ZuviDanmakuOverlayView()
@@ -229,13 +226,18 @@ void ZuviDanmakuOverlayView::itemChange(ItemChange change, const ItemChangeData 
     }
 }
 
+// The text is rasterised here, once for each node, and the picture goes as
+// soon as its texture holds it: forty labels in flight would otherwise keep
+// a second copy of every one of them. A label whose node is made again (the
+// overlay moved to the fullscreen window) is simply rasterised again.
 ZuviDanmakuLabelNode *ZuviDanmakuOverlayView::createLabelNode(const ZuviDanmakuLabel &label)
 {
     QSGTexture *texture = nullptr;
-    if (!label.image.isNull())
+    const QImage image = ZuviDanmakuLabelPainter::rasterise(label, m_devicePixelRatio);
+    if (!image.isNull())
         texture = window()->createTextureFromImage(
-            label.image, QQuickWindow::CreateTextureOptions(QQuickWindow::TextureHasAlphaChannel |
-                                                            QQuickWindow::TextureCanUseAtlas));
+            image, QQuickWindow::CreateTextureOptions(QQuickWindow::TextureHasAlphaChannel |
+                                                      QQuickWindow::TextureCanUseAtlas));
     return new ZuviDanmakuLabelNode(label.serial, texture, label.size);
 }
 
