@@ -200,9 +200,11 @@ int main(int argc, char **argv)
         script.after(3, [&] { shot("3-fullscreen"); });
         script.after(0, [&] { key(Qt::Key_Escape); });
         script.after(2.5, [&] { shot("4-back-inline"); });
+        // Back 5 s again, so that the last steps end well before the clip.
+        script.after(0, [&] { key(Qt::Key_Left); });
         // Faster with the key, then 480P from the player's menu: the same
         // moment of the movie in the other quality, at the chosen speed.
-        script.after(0, [&] {
+        script.after(1, [&] {
             key(Qt::Key_BracketRight);
             switchClock.start();
             switchFrom = c->moviePlayer() ? c->moviePlayer()->currentPlaybackTime() : -1;
