@@ -78,29 +78,34 @@ Page {
                 controller: page.controller
                 onDanmakuPreviewRequested: preview.open()
             }
-            VideoSidePane {
-                objectName: "inlineSidePane"
-                visible: !page.wide
+            // The related videos and comments exist for the layout in use
+            // only: the other layout's pane would hold its lists for nothing.
+            Loader {
                 active: !page.wide
-                inline: true
+                visible: active
                 Layout.fillWidth: true
-                Layout.preferredHeight: implicitHeight
-                controller: page.controller
+                Layout.preferredHeight: item ? item.implicitHeight : 0
+                sourceComponent: VideoSidePane {
+                    objectName: "inlineSidePane"
+                    inline: true
+                    controller: page.controller
+                }
             }
         }
     }
 
-    VideoSidePane {
-        objectName: "sidePane"
-        visible: page.wide
+    Loader {
         active: page.wide
         anchors { right: parent.right; top: parent.top; bottom: parent.bottom }
         width: page.sideWidth
-        controller: page.controller
-        Rectangle {
-            anchors { left: parent.left; top: parent.top; bottom: parent.bottom }
-            width: 1
-            color: "#ddd"
+        sourceComponent: VideoSidePane {
+            objectName: "sidePane"
+            controller: page.controller
+            Rectangle {
+                anchors { left: parent.left; top: parent.top; bottom: parent.bottom }
+                width: 1
+                color: "#ddd"
+            }
         }
     }
 

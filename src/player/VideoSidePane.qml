@@ -12,10 +12,6 @@ Item {
 
     required property ZuviVideoPlayerViewController controller
     property bool inline: false
-    // The page keeps one pane for each layout; only the one in use holds
-    // rows. Without this the hidden inline pane, laid out at full height,
-    // would make every related row with its cover, and every comment.
-    property bool active: true
     readonly property ZuviVideoSideContent side: controller.sideContent
     readonly property bool showsComments: side.sideSegment === 1
 
@@ -52,7 +48,7 @@ Item {
         interactive: !pane.inline
         clip: !pane.inline
         // A hidden segment holds no rows (nor their pictures).
-        model: pane.active && !pane.showsComments ? pane.side.relatedModel : null
+        model: !pane.showsComments ? pane.side.relatedModel : null
         delegate: relatedDelegate
         footer: statusRow
     }
@@ -65,7 +61,7 @@ Item {
         height: pane.inline ? contentHeight : pane.height - tabs.height
         interactive: !pane.inline
         clip: !pane.inline
-        model: pane.active && pane.showsComments ? pane.side.comments : []
+        model: pane.showsComments ? pane.side.comments : []
         delegate: commentDelegate
         footer: statusRow
         onContentYChanged: {
