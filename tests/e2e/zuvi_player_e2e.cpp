@@ -233,9 +233,27 @@ int main(int argc, char **argv)
         script.run();
     };
 
-    // The grid loads its first page on its own; wait for it.
+    // The grid loads its first page on its own; wait for it. When measuring,
+    // the viewer first closes the operator's welcome card, which comes with
+    // the first configuration: it dims the whole window and takes every tap,
+    // so nobody can open a video before it is gone (a settings store that has
+    // seen the message shows none; three seconds tell).
     QTimer poll;
+    QElapsedTimer sinceLaunch;
+    sinceLaunch.start();
+    bool welcomeClosed = false;
     QObject::connect(&poll, &QTimer::timeout, &app, [&] {
+        if (measure > 0) {
+            if (ZuviRemoteMessageOverlayView *card =
+                    shell.services.presenter ? shell.services.presenter->currentOverlayView()
+                                             : nullptr) {
+                card->dismissButtonTapped();
+                welcomeClosed = true;
+                return;
+            }
+            if (!welcomeClosed && sinceLaunch.elapsed() < 3000)
+                return;
+        }
         if (grid->videos().isEmpty())
             return;
         poll.stop();
