@@ -21,12 +21,8 @@ Rectangle {
         navigation: page.controller.navigationController
         title: page.controller.title
         leftContent: [
-            RaisedText {
+            BrandLabel {
                 text: page.controller.brandText
-                color: "white"
-                shadowColor: Qt.rgba(0, 0, 0, 0.2)
-                font.pixelSize: 20
-                font.bold: true
             }
         ]
         rightContent: [

@@ -38,13 +38,9 @@ Rectangle {
         navigation: page.controller.navigationController
         title: page.controller.title
         leftContent: [
-            RaisedText {
+            BrandLabel {
                 visible: page.controller.showsBrandLabel
                 text: page.controller.brandText
-                color: "white"
-                shadowColor: Qt.rgba(0, 0, 0, 0.2)
-                font.pixelSize: 20
-                font.bold: true
             }
         ]
         centerContent: [

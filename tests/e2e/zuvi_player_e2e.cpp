@@ -145,6 +145,15 @@ int main(int argc, char **argv)
 
     // Taps the grid's cell at row, as the user would (row −1: pushes the
     // given video the same way), and follows the screen.
+    // Closes the operator's card if one is up, as the viewer's tap on its
+    // button would; the presenter is asked, not the window's items, so the
+    // check costs the measured process nothing.
+    const auto closeMessageCard = [presenter = shell.services.presenter] {
+        ZuviRemoteMessageOverlayView *card = presenter ? presenter->currentOverlayView() : nullptr;
+        if (card)
+            card->dismissButtonTapped();
+        return card != nullptr;
+    };
     const auto openRow = [&](int row, const ZuviVideoItem &other) {
         const ZuviVideoItem v = row >= 0 ? grid->videos().at(row) : other;
         say(QString("opening row %1: %2 %3 cid %4").arg(row).arg(v.bvid, v.title).arg(v.cid));
@@ -162,17 +171,11 @@ int main(int argc, char **argv)
                 say("playing " + c->pendingPlayURL().toString());
         });
         if (measure > 0) {
-            // The viewer reads the operator's welcome message and closes it,
-            // as anyone would before watching: a dimmed cover left over the
-            // playing picture would be measured as the screen's cost. The
-            // presenter is asked, not the window's items, so the check costs
-            // the measured process nothing.
+            // A card that comes later (a polled configuration) is closed too:
+            // a dimmed cover left over the playing picture would be measured
+            // as the screen's cost.
             auto *closer = new QTimer(c);
-            QObject::connect(closer, &QTimer::timeout, c, [presenter = shell.services.presenter] {
-                if (ZuviRemoteMessageOverlayView *card =
-                        presenter ? presenter->currentOverlayView() : nullptr)
-                    card->dismissButtonTapped();
-            });
+            QObject::connect(closer, &QTimer::timeout, c, closeMessageCard);
             closer->start(250);
             // As if the viewer kept a menu open: what the controls cost when
             // they never hide.
@@ -244,10 +247,7 @@ int main(int argc, char **argv)
     bool welcomeClosed = false;
     QObject::connect(&poll, &QTimer::timeout, &app, [&] {
         if (measure > 0) {
-            if (ZuviRemoteMessageOverlayView *card =
-                    shell.services.presenter ? shell.services.presenter->currentOverlayView()
-                                             : nullptr) {
-                card->dismissButtonTapped();
+            if (closeMessageCard()) {
                 welcomeClosed = true;
                 return;
             }
