@@ -60,6 +60,11 @@ void ZuviAPIClient::send(const ZuviURLRequest &request, ResponseHandler handler)
                       });
 }
 
+int ZuviAPIClient::requestsInFlight() const
+{
+    return m_transport->requestsInFlight();
+}
+
 bool ZuviAPIClient::developerModeEnabled() const
 {
     return m_developerModeForced || m_defaults->boolForKey(kDeveloperModeKey);

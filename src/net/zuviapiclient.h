@@ -92,6 +92,9 @@ public:
     // Every request's timeout; 20 s unless a test shortens it.
     void setRequestTimeoutMs(int timeoutMs) { m_timeoutMs = timeoutMs; }
     int requestTimeoutMs() const { return m_timeoutMs; }
+    // Requests sent and not yet answered to their handler; the answers'
+    // completions may still be queued behind it on the network queue.
+    int requestsInFlight() const;
 
     // --- Request builders
     ZuviURLRequest requestWithURLString(const QString &urlString, const QString &referer) const;

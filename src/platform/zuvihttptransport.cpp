@@ -70,8 +70,13 @@ ZuviHTTPTransport::~ZuviHTTPTransport()
 
 void ZuviHTTPTransport::send(const ZuviURLRequest &request, Handler handler)
 {
+    ++m_requestsInFlight;
+    Handler counted = [this, handler](const ZuviHTTPResponse &response, const ZuviError &error) {
+        handler(response, error);
+        --m_requestsInFlight;
+    };
     QMetaObject::invokeMethod(
-        this, [this, request, handler] { sendOnNetworkThread(request, handler); },
+        this, [this, request, counted] { sendOnNetworkThread(request, counted); },
         Qt::QueuedConnection);
 }
 

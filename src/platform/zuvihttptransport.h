@@ -6,6 +6,7 @@
 #include <QObject>
 #include <QThread>
 
+#include <atomic>
 #include <functional>
 
 class QAbstractNetworkCache;
@@ -38,9 +39,15 @@ public:
     // Removes every stored answer from the URL cache, if there is one.
     void clearCache();
 
+    // Requests sent whose handler has not yet returned. It rises in send(),
+    // on the caller's thread, and falls only after the handler has run, so
+    // whatever the handler queued is already queued when it reads zero.
+    int requestsInFlight() const { return m_requestsInFlight.load(); }
+
 private:
     void sendOnNetworkThread(const ZuviURLRequest &request, const Handler &handler);
 
     QThread m_thread;
     QNetworkAccessManager *m_manager = nullptr;
+    std::atomic<int> m_requestsInFlight{0};
 };

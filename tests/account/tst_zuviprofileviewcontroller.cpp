@@ -34,10 +34,9 @@ private:
     }
     void settle()
     {
-        service.client->networkQueue()->waitForDone();
-        QCoreApplication::processEvents();
-        service.client->networkQueue()->waitForDone();
-        QCoreApplication::processEvents();
+        QString failure;
+        QVERIFY2(ZuviScreenLifetimeCheck::drainClient(service.client.get(), &failure),
+                 qPrintable(failure));
     }
     void openSignedIn()
     {
@@ -180,7 +179,11 @@ private slots:
         service.server.setAnswer("GET", navPath, Service::signedIn(300));
         open();
         profile->logoutButtonTapped();
+        QVERIFY(!profile->isLoggedIn());
+        // The check's answer, signed in, comes after the logout and changes
+        // nothing.
         settle();
+        QCOMPARE(service.server.requestCount(navPath), 1);
         QVERIFY(!profile->isLoggedIn());
         QCOMPARE(profile->statusLine(), QStringLiteral("已退出登录。"));
     }

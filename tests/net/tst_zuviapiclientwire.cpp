@@ -134,6 +134,9 @@ void TestZuviAPIClientWire::completionRunsOnceOnTheMainThread()
     QList<Outcome> outcomes(6);
     for (Outcome &outcome : outcomes)
         fetchRoot(m_f->client->requestWithURLString(m_f->server.urlString("/slow"), "r"), &outcome);
+    // Counted from the moment they are sent, before the network thread
+    // has seen them.
+    QCOMPARE(m_f->client->requestsInFlight(), 6);
     QTRY_VERIFY(std::all_of(outcomes.begin(), outcomes.end(),
                             [](const Outcome &o) { return o.calls > 0; }));
     // Give any duplicate delivery the chance to show itself.
@@ -143,6 +146,7 @@ void TestZuviAPIClientWire::completionRunsOnceOnTheMainThread()
         QVERIFY(outcome.onMainThread);
         QVERIFY(outcome.error.isNull());
     }
+    QCOMPARE(m_f->client->requestsInFlight(), 0);
 }
 
 void TestZuviAPIClientWire::badAnswersEndInClearErrors_data()
@@ -175,6 +179,8 @@ void TestZuviAPIClientWire::badAnswersEndInClearErrors()
     Outcome outcome;
     fetchRoot(m_f->client->requestWithURLString(url, "r"), &outcome);
     QTRY_COMPARE_WITH_TIMEOUT(outcome.calls, 1, 10000);
+    // A failed request stops counting as one that is out.
+    QCOMPARE(m_f->client->requestsInFlight(), 0);
     QCOMPARE(outcome.error.domain, QString::fromLatin1(ZuviHTTPTransport::kErrorDomain));
     if (code >= 0)
         QCOMPARE(outcome.error.code, code);

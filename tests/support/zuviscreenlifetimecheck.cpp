@@ -15,17 +15,48 @@ ZuviScreenLifetimeCheck::ZuviScreenLifetimeCheck(ZuviTestHttpServer *server, Zuv
 {
 }
 
-bool ZuviScreenLifetimeCheck::spinUntil(const std::function<bool()> &condition, const QString &what)
+namespace {
+bool spin(const std::function<bool()> &condition, const QString &what, QString *failure)
 {
     QDeadlineTimer deadline(10000);
     while (!condition()) {
         if (deadline.hasExpired()) {
-            m_failure = QStringLiteral("timed out waiting for %1").arg(what);
+            if (failure)
+                *failure = QStringLiteral("timed out waiting for %1").arg(what);
             return false;
         }
         QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
     }
     return true;
+}
+
+// Read in this order: a block still on the queue may send a request, which
+// counts before the block ends; an answer's handler queues its block before
+// its request stops counting.
+bool isQuiet(ZuviAPIClient *client)
+{
+    return client->requestsInFlight() == 0 && client->networkQueue()->waitForDone(0) &&
+           client->requestsInFlight() == 0;
+}
+} // namespace
+
+bool ZuviScreenLifetimeCheck::spinUntil(const std::function<bool()> &condition, const QString &what)
+{
+    return spin(condition, what, &m_failure);
+}
+
+bool ZuviScreenLifetimeCheck::drainClient(ZuviAPIClient *client, QString *failure)
+{
+    // Quiet both before and after the main thread has run what the answers
+    // posted, since that may send the next request.
+    return spin(
+        [client] {
+            if (!isQuiet(client))
+                return false;
+            QCoreApplication::processEvents();
+            return isQuiet(client);
+        },
+        QStringLiteral("the client's answers"), failure);
 }
 
 bool ZuviScreenLifetimeCheck::waitForRequests(int count)
@@ -38,43 +69,17 @@ bool ZuviScreenLifetimeCheck::destroyAndDrain(QObject *screen)
 {
     delete screen;
     const int requestsAtDeletion = m_server->requestCount();
-    int sentinels = 0;
-    // Until the answers start nothing more: every request sent is answered,
-    // however slowly the script answers it, and then one more request, sent
-    // after every answer was written, whose completion runs on the main
-    // thread behind theirs. An answer may start the next step of the
-    // client's own (a signed-in check asks for the counts); that request is
-    // drained too before the clocks move, or its timeout would fire and
-    // count a retry on a slow machine.
-    for (int round = 0; round < 5; ++round) {
-        const int before = m_server->requestCount();
-        if (!spinUntil([&] { return m_server->inFlight() == 0; }, QStringLiteral("the answers")))
-            return false;
-        if (!sendSentinel())
-            return false;
-        ++sentinels;
-        if (m_server->requestCount() - before <= 1)
-            break;
-    }
+    // The clocks move only once every answer is in: a request still out
+    // when they jump could meet a timer meant for its answer and count a
+    // retry.
+    if (!drainClient(m_client, &m_failure))
+        return false;
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     for (ZuviVirtualScheduler *clock : m_clocks)
         clock->advance(60);
-    // And one behind anything a timer of the gone screen might have sent.
-    if (!sendSentinel())
+    // And anything a timer of the gone screen might have sent.
+    if (!drainClient(m_client, &m_failure))
         return false;
-    ++sentinels;
-    m_requestsAfter = m_server->requestCount() - requestsAtDeletion - sentinels;
-    return true;
-}
-
-bool ZuviScreenLifetimeCheck::sendSentinel()
-{
-    bool done = false;
-    m_client->fetchPopularPage(
-        1, 1, [&done](const QList<ZuviVideoItem> &, const ZuviError &) { done = true; });
-    if (!spinUntil([&] { return done; }, QStringLiteral("the last answer")))
-        return false;
-    m_client->networkQueue()->waitForDone();
-    QCoreApplication::processEvents();
+    m_requestsAfter = m_server->requestCount() - requestsAtDeletion;
     return true;
 }

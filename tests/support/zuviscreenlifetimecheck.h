@@ -33,18 +33,24 @@ public:
     // requests since the check was made.
     bool waitForRequests(int count);
 
-    // Deletes the screen at once, then waits until the server has answered
-    // every request, the client has handed every answer to the main thread
-    // and that thread has run them, and runs every clock a minute ahead.
+    // Deletes the screen at once, then drains the client, runs every clock
+    // a minute ahead, and drains it again.
     bool destroyAndDrain(QObject *screen);
 
-    // Requests sent after the screen was deleted (the check's own last
-    // request aside): a retry or poll of a gone screen shows up here.
+    // Requests sent after the screen was deleted: a retry or poll of a gone
+    // screen shows up here.
     int requestsAfterDestruction() const { return m_requestsAfter; }
     QString failure() const { return m_failure; }
 
+    // Spins the event loop until the client is quiet: every request it sent
+    // has its answer, no answer waits on the network queue, and whatever the
+    // answers posted to the main thread has run. A completion that sends the
+    // next request (a signed-in check asks for the counts) keeps it busy
+    // until that one is answered too. Suites use it between cases, so that
+    // no case's late answer lands in the next one.
+    static bool drainClient(ZuviAPIClient *client, QString *failure = nullptr);
+
 private:
-    bool sendSentinel();
     bool spinUntil(const std::function<bool()> &condition, const QString &what);
 
     ZuviTestHttpServer *m_server;
