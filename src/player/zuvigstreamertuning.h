@@ -9,9 +9,10 @@
 // picture at a time on the clock, a slow network is absorbed before
 // decoding (the download and demuxing queues keep their limits), and one
 // core of the build machine decodes a 720p H.264 picture in about 1 ms
-// (3.4 ms at 1080p). So the queues carrying decoded video keep at most three
-// pictures, as GStreamer's own playback sink does, and video decoders work
-// on one thread; together about 23 MB less while playing 720p.
+// (3.4 ms at 1080p). So the queues carrying decoded video keep at most two
+// pictures (the next to show and one more: 66 ms of a 30 fps clip, where the
+// decoder needs a few to make one), and video decoders work on one thread;
+// together about 25 MB less while playing 720p.
 //
 // The trimming is a hook on every bin of the process: it applies to what is
 // built after install(), whichever thread builds it. A video output makes
@@ -20,7 +21,7 @@
 class ZuviGStreamerTuning
 {
 public:
-    static constexpr unsigned kVideoQueueBuffers = 3;
+    static constexpr unsigned kVideoQueueBuffers = 2;
     static constexpr int kVideoDecoderThreads = 1;
 
     // Initialises GStreamer if nobody has yet and installs the hook, once per

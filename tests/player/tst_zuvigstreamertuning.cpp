@@ -114,8 +114,8 @@ void TestZuviGStreamerTuning::boundsOnlyTheQueuesOfDecodedVideo()
     GstElement *download = addTo(pipeline, "queue2", "videoDownload");
     GstElement *loose = gst_element_factory_make("queue", "videoLoose"); // never added
 
-    QCOMPARE(uintProperty(videoQueue, "max-size-buffers"), 3u);
-    QCOMPARE(uintProperty(sinkQueue, "max-size-buffers"), 3u);
+    QCOMPARE(uintProperty(videoQueue, "max-size-buffers"), 2u);
+    QCOMPARE(uintProperty(sinkQueue, "max-size-buffers"), 2u);
     // Audio, compressed data (queue2) and anything outside a bin keep
     // GStreamer's own limits.
     const guint queueDefault = uintProperty(loose, "max-size-buffers");
@@ -180,7 +180,7 @@ void TestZuviGStreamerTuning::playingPipelineHoldsFewDecodedPictures()
         const QString kind = GST_OBJECT_NAME(gst_element_get_factory(element));
         path.append(kind);
         if (kind == QLatin1String("queue"))
-            QVERIFY2(uintProperty(element, "max-size-buffers") <= 3u, GST_OBJECT_NAME(element));
+            QVERIFY2(uintProperty(element, "max-size-buffers") <= 2u, GST_OBJECT_NAME(element));
     }
     // The walk ends at a sink: an element with no way out.
     QVERIFY(!gst_element_get_static_pad(element, "src"));
