@@ -4,18 +4,24 @@
 
 ZuviCoverSource::ZuviCoverSource(QObject *parent) : QObject(parent) {}
 
-QUrl ZuviCoverSource::sourceForURL(const QString &urlString)
+namespace {
+// An empty address gives an empty source, whatever the quality.
+QUrl sourceForQuality(const QString &quality, const QString &urlString)
 {
     if (urlString.isEmpty())
         return {};
+    return QUrl(ZuviImageProvider::sourceURL(quality, urlString));
+}
+} // namespace
+
+QUrl ZuviCoverSource::sourceForURL(const QString &urlString)
+{
     // The card's cover is the loader's normal load: thumbnail address,
     // memory cache and the full-size fallback.
-    return QUrl(ZuviImageProvider::sourceURL(QStringLiteral("normal"), urlString));
+    return sourceForQuality(QStringLiteral("normal"), urlString);
 }
 
 QUrl ZuviCoverSource::lowQualitySourceForURL(const QString &urlString)
 {
-    if (urlString.isEmpty())
-        return {};
-    return QUrl(ZuviImageProvider::sourceURL(QStringLiteral("low"), urlString));
+    return sourceForQuality(QStringLiteral("low"), urlString);
 }

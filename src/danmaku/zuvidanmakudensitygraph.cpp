@@ -134,11 +134,9 @@ QSGNode *ZuviDanmakuDensityGraph::updatePaintNode(QSGNode *oldNode, UpdatePaintN
     const float w = float(width());
     const float h = float(height());
     // The material blends premultiplied colours.
-    const QColor c = m_color.toRgb();
-    const float a = float(c.alphaF());
-    const auto channel = [a](float v) { return uchar(qRound(v * a * 255.0f)); };
-    const uchar r = channel(float(c.redF())), g = channel(float(c.greenF())),
-                b = channel(float(c.blueF())), alpha = uchar(qRound(a * 255.0f));
+    const QRgb rgba = qPremultiply(m_color.rgba());
+    const uchar r = uchar(qRed(rgba)), g = uchar(qGreen(rgba)), b = uchar(qBlue(rgba)),
+                alpha = uchar(qAlpha(rgba));
     QSGGeometry *geometry = node->geometry();
     geometry->allocate(2 * (slices + 2));
     QSGGeometry::ColoredPoint2D *points = geometry->vertexDataAsColoredPoint2D();

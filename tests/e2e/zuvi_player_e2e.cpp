@@ -143,8 +143,6 @@ int main(int argc, char **argv)
     };
     const auto key = [&](Qt::Key k) { QTest::keyClick(window, k); };
 
-    // Taps the grid's cell at row, as the user would (row −1: pushes the
-    // given video the same way), and follows the screen.
     // Closes the operator's card if one is up, as the viewer's tap on its
     // button would; the presenter is asked, not the window's items, so the
     // check costs the measured process nothing.
@@ -154,6 +152,8 @@ int main(int argc, char **argv)
             card->dismissButtonTapped();
         return card != nullptr;
     };
+    // Taps the grid's cell at row, as the user would (row −1: pushes the
+    // given video the same way), and follows the screen.
     const auto openRow = [&](int row, const ZuviVideoItem &other) {
         const ZuviVideoItem v = row >= 0 ? grid->videos().at(row) : other;
         say(QString("opening row %1: %2 %3 cid %4").arg(row).arg(v.bvid, v.title).arg(v.cid));
